@@ -223,6 +223,22 @@ typedef unsigned short CMPIType;
 #define CMPI_refA (CMPI_ARRAY | CMPI_ref)
 #define CMPI_charsptrA (CMPI_ARRAY | CMPI_charsptr)
 
+/* Synonyms named after the value members of the same width. */
+#ifndef CMPI_NO_SYNONYM_SUPPORT
+#define CMPI_Byte CMPI_sint8
+#define CMPI_Short CMPI_sint16
+#define CMPI_Int CMPI_sint32
+#define CMPI_Long CMPI_sint64
+#define CMPI_Float CMPI_real32
+#define CMPI_Double CMPI_real64
+#define CMPI_ByteA CMPI_sint8A
+#define CMPI_ShortA CMPI_sint16A
+#define CMPI_IntA CMPI_sint32A
+#define CMPI_LongA CMPI_sint64A
+#define CMPI_FloatA CMPI_real32A
+#define CMPI_DoubleA CMPI_real64A
+#endif
+
 /* Key types of an object path, valid when the state has CMPI_keyValue. */
 #define CMPI_keyInteger (CMPI_sint64)
 #define CMPI_keyString (CMPI_string)

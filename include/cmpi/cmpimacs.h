@@ -277,8 +277,7 @@
 #define CBModifyInstance(b, c, p, i, pr) ((b)->bft->modifyInstance((b), (c), (p), (i), (pr)))
 #define CBSetInstance(b, c, p, i, pr) ((b)->bft->modifyInstance((b), (c), (p), (i), (pr)))
 #define CBDeleteInstance(b, c, p) ((b)->bft->deleteInstance((b), (c), (p)))
-/* Note the order: language before query here, query before language in the table. */
-#define CBExecQuery(b, c, p, l, q, rc) ((b)->bft->execQuery((b), (c), (p), (q), (l), (rc)))
+#define CBExecQuery(b, c, p, q, l, rc) ((b)->bft->execQuery((b), (c), (p), (q), (l), (rc)))
 #define CBAssociators(b, c, p, acl, rcl, r, rr, pr, rc) \
   ((b)->bft->associators((b), (c), (p), (acl), (rcl), (r), (rr), (pr), (rc)))
 #define CBAssociatorNames(b, c, p, acl, rcl, r, rr, rc) \

@@ -223,8 +223,7 @@ TEST_F(CmpiInterfaceTest, BrokerMacrosPassArgumentsToTheirSlots) {
   EXPECT_TRUE(CMClassPathIsA(b, op, "CIM_ManagedElement", &rc));
   EXPECT_FALSE(CMClassPathIsA(b, op, "CIM_Other", nullptr));
   CBDeliverIndication(b, &ivCtx, "root/qrx", inst);
-  // The macro takes the language first, the table the query first.
-  CBExecQuery(b, &ivCtx, op, "CQL", "SELECT * FROM QRX_Switch", &rc);
+  CBExecQuery(b, &ivCtx, op, "SELECT * FROM QRX_Switch", "CQL", &rc);
   CBEnumInstanceNames(b, &ivCtx, op, &rc);
   CBEnumInstances(b, &ivCtx, op, nullptr, &rc);
   CBAssociators(b, &ivCtx, op, "QRX_Assoc", "QRX_Result", "Role", "ResultRole", nullptr, &rc);
