@@ -20,15 +20,57 @@
 
 #define PTR ((size_t)sizeof(void *))
 
-/* Objects and function tables that begin with `int ftVersion`: function n
-   (counted from 1) sits in pointer slot n on 32-bit and 64-bit hosts. */
-#define FT_SLOT(T, m, n) ABI_CHECK(offsetof(T, m) == (n) * PTR, #T "." #m " must be function " #n)
-#define FT_SIZE(T, n) ABI_CHECK(sizeof(T) == ((n) + 1) * PTR, #T " must hold " #n " functions")
+/* Counting and walking the member lists below (at most 30 members). */
+#define ABI_NARGS(...) ABI_NARGS_(__VA_ARGS__, 30, 29, 28, 27, 26, 25, 24, 23, 22, 21, 20, 19, 18, 17, 16, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1)
+#define ABI_NARGS_(_1, _2, _3, _4, _5, _6, _7, _8, _9, _10, _11, _12, _13, _14, _15, _16, _17, _18, _19, _20, _21, _22, _23, _24, _25, _26, _27, _28, _29, _30, N, ...) N
+#define ABI_CAT(a, b) ABI_CAT_(a, b)
+#define ABI_CAT_(a, b) a##b
+#define ABI_EACH(M, T, ...) ABI_CAT(ABI_EACH_, ABI_NARGS(__VA_ARGS__))(M, T, 1, __VA_ARGS__)
+#define ABI_EACH_1(M, T, n, x) M(T, x, n)
+#define ABI_EACH_2(M, T, n, x, ...) M(T, x, n) ABI_EACH_1(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_3(M, T, n, x, ...) M(T, x, n) ABI_EACH_2(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_4(M, T, n, x, ...) M(T, x, n) ABI_EACH_3(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_5(M, T, n, x, ...) M(T, x, n) ABI_EACH_4(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_6(M, T, n, x, ...) M(T, x, n) ABI_EACH_5(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_7(M, T, n, x, ...) M(T, x, n) ABI_EACH_6(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_8(M, T, n, x, ...) M(T, x, n) ABI_EACH_7(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_9(M, T, n, x, ...) M(T, x, n) ABI_EACH_8(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_10(M, T, n, x, ...) M(T, x, n) ABI_EACH_9(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_11(M, T, n, x, ...) M(T, x, n) ABI_EACH_10(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_12(M, T, n, x, ...) M(T, x, n) ABI_EACH_11(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_13(M, T, n, x, ...) M(T, x, n) ABI_EACH_12(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_14(M, T, n, x, ...) M(T, x, n) ABI_EACH_13(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_15(M, T, n, x, ...) M(T, x, n) ABI_EACH_14(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_16(M, T, n, x, ...) M(T, x, n) ABI_EACH_15(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_17(M, T, n, x, ...) M(T, x, n) ABI_EACH_16(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_18(M, T, n, x, ...) M(T, x, n) ABI_EACH_17(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_19(M, T, n, x, ...) M(T, x, n) ABI_EACH_18(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_20(M, T, n, x, ...) M(T, x, n) ABI_EACH_19(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_21(M, T, n, x, ...) M(T, x, n) ABI_EACH_20(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_22(M, T, n, x, ...) M(T, x, n) ABI_EACH_21(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_23(M, T, n, x, ...) M(T, x, n) ABI_EACH_22(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_24(M, T, n, x, ...) M(T, x, n) ABI_EACH_23(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_25(M, T, n, x, ...) M(T, x, n) ABI_EACH_24(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_26(M, T, n, x, ...) M(T, x, n) ABI_EACH_25(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_27(M, T, n, x, ...) M(T, x, n) ABI_EACH_26(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_28(M, T, n, x, ...) M(T, x, n) ABI_EACH_27(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_29(M, T, n, x, ...) M(T, x, n) ABI_EACH_28(M, T, (n + 1), __VA_ARGS__)
+#define ABI_EACH_30(M, T, n, x, ...) M(T, x, n) ABI_EACH_29(M, T, (n + 1), __VA_ARGS__)
 
-/* MI tables and the broker table begin with two ints and a name. */
-#define MI_SLOT(T, m, n) \
-  ABI_CHECK(offsetof(T, m) == 8 + (n) * PTR, #T "." #m " must be function " #n)
-#define MI_SIZE(T, n) ABI_CHECK(sizeof(T) == 8 + ((n) + 1) * PTR, #T " must hold " #n " functions")
+/* FT_TABLE(T, f1, f2, ...): a function table that begins with `int
+   ftVersion` holds exactly the functions f1, f2, ... in this order; function
+   n sits in pointer slot n on 32-bit and 64-bit hosts alike. */
+#define FT_SLOT_(T, m, n) ABI_CHECK(offsetof(T, m) == (n) * PTR, #T "." #m " is out of place");
+#define FT_TABLE(T, ...)              \
+  ABI_EACH(FT_SLOT_, T, __VA_ARGS__)  \
+  ABI_CHECK(sizeof(T) == (ABI_NARGS(__VA_ARGS__) + 1) * PTR, #T " has a wrong function count")
+
+/* MI_TABLE(T, f1, f2, ...): the same for the MI tables and the broker
+   table, which begin with two ints and a name. */
+#define MI_SLOT_(T, m, n) ABI_CHECK(offsetof(T, m) == 8 + (n) * PTR, #T "." #m " is out of place");
+#define MI_TABLE(T, ...)              \
+  ABI_EACH(MI_SLOT_, T, __VA_ARGS__)  \
+  ABI_CHECK(sizeof(T) == 8 + (ABI_NARGS(__VA_ARGS__) + 1) * PTR, #T " has a wrong function count")
 
 #define OFFSET(T, m, off) ABI_CHECK(offsetof(T, m) == (off), #T "." #m " must be at " #off)
 #define SIZE(T, size) ABI_CHECK(sizeof(T) == (size), #T " must be " #size " bytes")
@@ -136,85 +178,24 @@ SIZE(CMPIBroker, 5 * PTR);
 OFFSET(CMPIBrokerFT, brokerCapabilities, 0);
 OFFSET(CMPIBrokerFT, brokerVersion, 4);
 OFFSET(CMPIBrokerFT, brokerName, 8);
-MI_SLOT(CMPIBrokerFT, prepareAttachThread, 1);
-MI_SLOT(CMPIBrokerFT, attachThread, 2);
-MI_SLOT(CMPIBrokerFT, detachThread, 3);
-MI_SLOT(CMPIBrokerFT, deliverIndication, 4);
-MI_SLOT(CMPIBrokerFT, enumerateInstanceNames, 5);
-MI_SLOT(CMPIBrokerFT, getInstance, 6);
-MI_SLOT(CMPIBrokerFT, createInstance, 7);
-MI_SLOT(CMPIBrokerFT, modifyInstance, 8);
-MI_SLOT(CMPIBrokerFT, deleteInstance, 9);
-MI_SLOT(CMPIBrokerFT, execQuery, 10);
-MI_SLOT(CMPIBrokerFT, enumerateInstances, 11);
-MI_SLOT(CMPIBrokerFT, associators, 12);
-MI_SLOT(CMPIBrokerFT, associatorNames, 13);
-MI_SLOT(CMPIBrokerFT, references, 14);
-MI_SLOT(CMPIBrokerFT, referenceNames, 15);
-MI_SLOT(CMPIBrokerFT, invokeMethod, 16);
-MI_SLOT(CMPIBrokerFT, setProperty, 17);
-MI_SLOT(CMPIBrokerFT, getProperty, 18);
-MI_SIZE(CMPIBrokerFT, 18);
+MI_TABLE(CMPIBrokerFT, prepareAttachThread, attachThread, detachThread, deliverIndication,
+         enumerateInstanceNames, getInstance, createInstance, modifyInstance, deleteInstance,
+         execQuery, enumerateInstances, associators, associatorNames, references,
+         referenceNames, invokeMethod, setProperty, getProperty);
 
-FT_SLOT(CMPIBrokerEncFT, newInstance, 1);
-FT_SLOT(CMPIBrokerEncFT, newObjectPath, 2);
-FT_SLOT(CMPIBrokerEncFT, newArgs, 3);
-FT_SLOT(CMPIBrokerEncFT, newString, 4);
-FT_SLOT(CMPIBrokerEncFT, newArray, 5);
-FT_SLOT(CMPIBrokerEncFT, newDateTime, 6);
-FT_SLOT(CMPIBrokerEncFT, newDateTimeFromBinary, 7);
-FT_SLOT(CMPIBrokerEncFT, newDateTimeFromChars, 8);
-FT_SLOT(CMPIBrokerEncFT, newSelectExp, 9);
-FT_SLOT(CMPIBrokerEncFT, classPathIsA, 10);
-FT_SLOT(CMPIBrokerEncFT, toString, 11);
-FT_SLOT(CMPIBrokerEncFT, isOfType, 12);
-FT_SLOT(CMPIBrokerEncFT, getType, 13);
-FT_SLOT(CMPIBrokerEncFT, getMessage, 14);
-FT_SLOT(CMPIBrokerEncFT, logMessage, 15);
-FT_SLOT(CMPIBrokerEncFT, trace, 16);
-FT_SLOT(CMPIBrokerEncFT, newCMPIError, 17);
-FT_SLOT(CMPIBrokerEncFT, openMessageFile, 18);
-FT_SLOT(CMPIBrokerEncFT, closeMessageFile, 19);
-FT_SLOT(CMPIBrokerEncFT, getMessage2, 20);
-FT_SIZE(CMPIBrokerEncFT, 20);
+FT_TABLE(CMPIBrokerEncFT, newInstance, newObjectPath, newArgs, newString, newArray,
+         newDateTime, newDateTimeFromBinary, newDateTimeFromChars, newSelectExp, classPathIsA,
+         toString, isOfType, getType, getMessage, logMessage, trace, newCMPIError,
+         openMessageFile, closeMessageFile, getMessage2);
 
-FT_SLOT(CMPIBrokerExtFT, resolveFileName, 1);
-FT_SLOT(CMPIBrokerExtFT, newThread, 2);
-FT_SLOT(CMPIBrokerExtFT, joinThread, 3);
-FT_SLOT(CMPIBrokerExtFT, exitThread, 4);
-FT_SLOT(CMPIBrokerExtFT, cancelThread, 5);
-FT_SLOT(CMPIBrokerExtFT, threadSleep, 6);
-FT_SLOT(CMPIBrokerExtFT, threadOnce, 7);
-FT_SLOT(CMPIBrokerExtFT, createThreadKey, 8);
-FT_SLOT(CMPIBrokerExtFT, destroyThreadKey, 9);
-FT_SLOT(CMPIBrokerExtFT, getThreadSpecific, 10);
-FT_SLOT(CMPIBrokerExtFT, setThreadSpecific, 11);
-FT_SLOT(CMPIBrokerExtFT, newMutex, 12);
-FT_SLOT(CMPIBrokerExtFT, destroyMutex, 13);
-FT_SLOT(CMPIBrokerExtFT, lockMutex, 14);
-FT_SLOT(CMPIBrokerExtFT, unlockMutex, 15);
-FT_SLOT(CMPIBrokerExtFT, newCondition, 16);
-FT_SLOT(CMPIBrokerExtFT, destroyCondition, 17);
-FT_SLOT(CMPIBrokerExtFT, condWait, 18);
-FT_SLOT(CMPIBrokerExtFT, timedCondWait, 19);
-FT_SLOT(CMPIBrokerExtFT, signalCondition, 20);
-FT_SIZE(CMPIBrokerExtFT, 20);
+FT_TABLE(CMPIBrokerExtFT, resolveFileName, newThread, joinThread, exitThread, cancelThread,
+         threadSleep, threadOnce, createThreadKey, destroyThreadKey, getThreadSpecific,
+         setThreadSpecific, newMutex, destroyMutex, lockMutex, unlockMutex, newCondition,
+         destroyCondition, condWait, timedCondWait, signalCondition);
 
-FT_SLOT(CMPIBrokerMemFT, mark, 1);
-FT_SLOT(CMPIBrokerMemFT, release, 2);
-FT_SLOT(CMPIBrokerMemFT, cmpiMalloc, 3);
-FT_SLOT(CMPIBrokerMemFT, cmpiCalloc, 4);
-FT_SLOT(CMPIBrokerMemFT, cmpiRealloc, 5);
-FT_SLOT(CMPIBrokerMemFT, cmpiStrDup, 6);
-FT_SLOT(CMPIBrokerMemFT, cmpiFree, 7);
-FT_SLOT(CMPIBrokerMemFT, freeInstance, 8);
-FT_SLOT(CMPIBrokerMemFT, freeObjectPath, 9);
-FT_SLOT(CMPIBrokerMemFT, freeArgs, 10);
-FT_SLOT(CMPIBrokerMemFT, freeString, 11);
-FT_SLOT(CMPIBrokerMemFT, freeArray, 12);
-FT_SLOT(CMPIBrokerMemFT, freeDateTime, 13);
-FT_SLOT(CMPIBrokerMemFT, freeSelectExp, 14);
-FT_SIZE(CMPIBrokerMemFT, 14);
+FT_TABLE(CMPIBrokerMemFT, mark, release, cmpiMalloc, cmpiCalloc, cmpiRealloc, cmpiStrDup,
+         cmpiFree, freeInstance, freeObjectPath, freeArgs, freeString, freeArray, freeDateTime,
+         freeSelectExp);
 
 /* ---- Encapsulated objects: a handle, then the function table ------- */
 
@@ -243,146 +224,46 @@ ENCAPSULATED(CMPIMethodMI);
 ENCAPSULATED(CMPIPropertyMI);
 ENCAPSULATED(CMPIIndicationMI);
 
-FT_SLOT(CMPIContextFT, release, 1);
-FT_SLOT(CMPIContextFT, clone, 2);
-FT_SLOT(CMPIContextFT, getEntry, 3);
-FT_SLOT(CMPIContextFT, getEntryAt, 4);
-FT_SLOT(CMPIContextFT, getEntryCount, 5);
-FT_SLOT(CMPIContextFT, addEntry, 6);
-FT_SIZE(CMPIContextFT, 6);
+FT_TABLE(CMPIContextFT, release, clone, getEntry, getEntryAt, getEntryCount, addEntry);
 
-FT_SLOT(CMPIResultFT, release, 1);
-FT_SLOT(CMPIResultFT, clone, 2);
-FT_SLOT(CMPIResultFT, returnData, 3);
-FT_SLOT(CMPIResultFT, returnInstance, 4);
-FT_SLOT(CMPIResultFT, returnObjectPath, 5);
-FT_SLOT(CMPIResultFT, returnDone, 6);
-FT_SLOT(CMPIResultFT, returnError, 7);
-FT_SIZE(CMPIResultFT, 7);
+FT_TABLE(CMPIResultFT, release, clone, returnData, returnInstance, returnObjectPath,
+         returnDone, returnError);
 
-FT_SLOT(CMPIErrorFT, release, 1);
-FT_SLOT(CMPIErrorFT, clone, 2);
-FT_SLOT(CMPIErrorFT, getErrorType, 3);
-FT_SLOT(CMPIErrorFT, getOtherErrorType, 4);
-FT_SLOT(CMPIErrorFT, getOwningEntity, 5);
-FT_SLOT(CMPIErrorFT, getMessageID, 6);
-FT_SLOT(CMPIErrorFT, getMessage, 7);
-FT_SLOT(CMPIErrorFT, getPerceivedSeverity, 8);
-FT_SLOT(CMPIErrorFT, getProbableCause, 9);
-FT_SLOT(CMPIErrorFT, getProbableCauseDescription, 10);
-FT_SLOT(CMPIErrorFT, getRecommendedActions, 11);
-FT_SLOT(CMPIErrorFT, getErrorSource, 12);
-FT_SLOT(CMPIErrorFT, getErrorSourceFormat, 13);
-FT_SLOT(CMPIErrorFT, getOtherErrorSourceFormat, 14);
-FT_SLOT(CMPIErrorFT, getCIMStatusCode, 15);
-FT_SLOT(CMPIErrorFT, getCIMStatusCodeDescription, 16);
-FT_SLOT(CMPIErrorFT, getMessageArguments, 17);
-FT_SLOT(CMPIErrorFT, setErrorType, 18);
-FT_SLOT(CMPIErrorFT, setOtherErrorType, 19);
-FT_SLOT(CMPIErrorFT, setProbableCauseDescription, 20);
-FT_SLOT(CMPIErrorFT, setRecommendedActions, 21);
-FT_SLOT(CMPIErrorFT, setErrorSource, 22);
-FT_SLOT(CMPIErrorFT, setErrorSourceFormat, 23);
-FT_SLOT(CMPIErrorFT, setOtherErrorSourceFormat, 24);
-FT_SLOT(CMPIErrorFT, setCIMStatusCodeDescription, 25);
-FT_SLOT(CMPIErrorFT, setMessageArguments, 26);
-FT_SIZE(CMPIErrorFT, 26);
+FT_TABLE(CMPIErrorFT, release, clone, getErrorType, getOtherErrorType, getOwningEntity,
+         getMessageID, getMessage, getPerceivedSeverity, getProbableCause,
+         getProbableCauseDescription, getRecommendedActions, getErrorSource,
+         getErrorSourceFormat, getOtherErrorSourceFormat, getCIMStatusCode,
+         getCIMStatusCodeDescription, getMessageArguments, setErrorType, setOtherErrorType,
+         setProbableCauseDescription, setRecommendedActions, setErrorSource,
+         setErrorSourceFormat, setOtherErrorSourceFormat, setCIMStatusCodeDescription,
+         setMessageArguments);
 
-FT_SLOT(CMPIInstanceFT, release, 1);
-FT_SLOT(CMPIInstanceFT, clone, 2);
-FT_SLOT(CMPIInstanceFT, getProperty, 3);
-FT_SLOT(CMPIInstanceFT, getPropertyAt, 4);
-FT_SLOT(CMPIInstanceFT, getPropertyCount, 5);
-FT_SLOT(CMPIInstanceFT, setProperty, 6);
-FT_SLOT(CMPIInstanceFT, getObjectPath, 7);
-FT_SLOT(CMPIInstanceFT, setPropertyFilter, 8);
-FT_SLOT(CMPIInstanceFT, setObjectPath, 9);
-FT_SLOT(CMPIInstanceFT, setPropertyWithOrigin, 10);
-FT_SIZE(CMPIInstanceFT, 10);
+FT_TABLE(CMPIInstanceFT, release, clone, getProperty, getPropertyAt, getPropertyCount,
+         setProperty, getObjectPath, setPropertyFilter, setObjectPath, setPropertyWithOrigin);
 
-FT_SLOT(CMPIObjectPathFT, release, 1);
-FT_SLOT(CMPIObjectPathFT, clone, 2);
-FT_SLOT(CMPIObjectPathFT, setNameSpace, 3);
-FT_SLOT(CMPIObjectPathFT, getNameSpace, 4);
-FT_SLOT(CMPIObjectPathFT, setHostname, 5);
-FT_SLOT(CMPIObjectPathFT, getHostname, 6);
-FT_SLOT(CMPIObjectPathFT, setClassName, 7);
-FT_SLOT(CMPIObjectPathFT, getClassName, 8);
-FT_SLOT(CMPIObjectPathFT, addKey, 9);
-FT_SLOT(CMPIObjectPathFT, getKey, 10);
-FT_SLOT(CMPIObjectPathFT, getKeyAt, 11);
-FT_SLOT(CMPIObjectPathFT, getKeyCount, 12);
-FT_SLOT(CMPIObjectPathFT, setNameSpaceFromObjectPath, 13);
-FT_SLOT(CMPIObjectPathFT, setHostAndNameSpaceFromObjectPath, 14);
-FT_SLOT(CMPIObjectPathFT, getClassQualifier, 15);
-FT_SLOT(CMPIObjectPathFT, getPropertyQualifier, 16);
-FT_SLOT(CMPIObjectPathFT, getMethodQualifier, 17);
-FT_SLOT(CMPIObjectPathFT, getParameterQualifier, 18);
-FT_SLOT(CMPIObjectPathFT, toString, 19);
-FT_SIZE(CMPIObjectPathFT, 19);
+FT_TABLE(CMPIObjectPathFT, release, clone, setNameSpace, getNameSpace, setHostname,
+         getHostname, setClassName, getClassName, addKey, getKey, getKeyAt, getKeyCount,
+         setNameSpaceFromObjectPath, setHostAndNameSpaceFromObjectPath, getClassQualifier,
+         getPropertyQualifier, getMethodQualifier, getParameterQualifier, toString);
 
-FT_SLOT(CMPISelectExpFT, release, 1);
-FT_SLOT(CMPISelectExpFT, clone, 2);
-FT_SLOT(CMPISelectExpFT, evaluate, 3);
-FT_SLOT(CMPISelectExpFT, getString, 4);
-FT_SLOT(CMPISelectExpFT, getDOC, 5);
-FT_SLOT(CMPISelectExpFT, getCOD, 6);
-FT_SLOT(CMPISelectExpFT, evaluateUsingAccessor, 7);
-FT_SIZE(CMPISelectExpFT, 7);
+FT_TABLE(CMPISelectExpFT, release, clone, evaluate, getString, getDOC, getCOD,
+         evaluateUsingAccessor);
 
-FT_SLOT(CMPISelectCondFT, release, 1);
-FT_SLOT(CMPISelectCondFT, clone, 2);
-FT_SLOT(CMPISelectCondFT, getCountAndType, 3);
-FT_SLOT(CMPISelectCondFT, getSubCondAt, 4);
-FT_SIZE(CMPISelectCondFT, 4);
+FT_TABLE(CMPISelectCondFT, release, clone, getCountAndType, getSubCondAt);
 
-FT_SLOT(CMPISubCondFT, release, 1);
-FT_SLOT(CMPISubCondFT, clone, 2);
-FT_SLOT(CMPISubCondFT, getCount, 3);
-FT_SLOT(CMPISubCondFT, getPredicateAt, 4);
-FT_SLOT(CMPISubCondFT, getPredicate, 5);
-FT_SIZE(CMPISubCondFT, 5);
+FT_TABLE(CMPISubCondFT, release, clone, getCount, getPredicateAt, getPredicate);
 
-FT_SLOT(CMPIPredicateFT, release, 1);
-FT_SLOT(CMPIPredicateFT, clone, 2);
-FT_SLOT(CMPIPredicateFT, getData, 3);
-FT_SLOT(CMPIPredicateFT, evaluateUsingAccessor, 4);
-FT_SIZE(CMPIPredicateFT, 4);
+FT_TABLE(CMPIPredicateFT, release, clone, getData, evaluateUsingAccessor);
 
-FT_SLOT(CMPIArgsFT, release, 1);
-FT_SLOT(CMPIArgsFT, clone, 2);
-FT_SLOT(CMPIArgsFT, addArg, 3);
-FT_SLOT(CMPIArgsFT, getArg, 4);
-FT_SLOT(CMPIArgsFT, getArgAt, 5);
-FT_SLOT(CMPIArgsFT, getArgCount, 6);
-FT_SIZE(CMPIArgsFT, 6);
+FT_TABLE(CMPIArgsFT, release, clone, addArg, getArg, getArgAt, getArgCount);
 
-FT_SLOT(CMPIStringFT, release, 1);
-FT_SLOT(CMPIStringFT, clone, 2);
-FT_SLOT(CMPIStringFT, getCharPtr, 3);
-FT_SIZE(CMPIStringFT, 3);
+FT_TABLE(CMPIStringFT, release, clone, getCharPtr);
 
-FT_SLOT(CMPIArrayFT, release, 1);
-FT_SLOT(CMPIArrayFT, clone, 2);
-FT_SLOT(CMPIArrayFT, getSize, 3);
-FT_SLOT(CMPIArrayFT, getSimpleType, 4);
-FT_SLOT(CMPIArrayFT, getElementAt, 5);
-FT_SLOT(CMPIArrayFT, setElementAt, 6);
-FT_SIZE(CMPIArrayFT, 6);
+FT_TABLE(CMPIArrayFT, release, clone, getSize, getSimpleType, getElementAt, setElementAt);
 
-FT_SLOT(CMPIEnumerationFT, release, 1);
-FT_SLOT(CMPIEnumerationFT, clone, 2);
-FT_SLOT(CMPIEnumerationFT, getNext, 3);
-FT_SLOT(CMPIEnumerationFT, hasNext, 4);
-FT_SLOT(CMPIEnumerationFT, toArray, 5);
-FT_SIZE(CMPIEnumerationFT, 5);
+FT_TABLE(CMPIEnumerationFT, release, clone, getNext, hasNext, toArray);
 
-FT_SLOT(CMPIDateTimeFT, release, 1);
-FT_SLOT(CMPIDateTimeFT, clone, 2);
-FT_SLOT(CMPIDateTimeFT, getBinaryFormat, 3);
-FT_SLOT(CMPIDateTimeFT, getStringFormat, 4);
-FT_SLOT(CMPIDateTimeFT, isInterval, 5);
-FT_SIZE(CMPIDateTimeFT, 5);
+FT_TABLE(CMPIDateTimeFT, release, clone, getBinaryFormat, getStringFormat, isInterval);
 
 /* ---- Management instrumentation tables ----------------------------- */
 
@@ -392,44 +273,21 @@ FT_SIZE(CMPIDateTimeFT, 5);
   OFFSET(T, miName, 8)
 
 MI_HEADER(CMPIInstanceMIFT);
-MI_SLOT(CMPIInstanceMIFT, cleanup, 1);
-MI_SLOT(CMPIInstanceMIFT, enumerateInstanceNames, 2);
-MI_SLOT(CMPIInstanceMIFT, enumerateInstances, 3);
-MI_SLOT(CMPIInstanceMIFT, getInstance, 4);
-MI_SLOT(CMPIInstanceMIFT, createInstance, 5);
-MI_SLOT(CMPIInstanceMIFT, modifyInstance, 6);
-MI_SLOT(CMPIInstanceMIFT, deleteInstance, 7);
-MI_SLOT(CMPIInstanceMIFT, execQuery, 8);
-MI_SIZE(CMPIInstanceMIFT, 8);
+MI_TABLE(CMPIInstanceMIFT, cleanup, enumerateInstanceNames, enumerateInstances, getInstance,
+         createInstance, modifyInstance, deleteInstance, execQuery);
 
 MI_HEADER(CMPIAssociationMIFT);
-MI_SLOT(CMPIAssociationMIFT, cleanup, 1);
-MI_SLOT(CMPIAssociationMIFT, associators, 2);
-MI_SLOT(CMPIAssociationMIFT, associatorNames, 3);
-MI_SLOT(CMPIAssociationMIFT, references, 4);
-MI_SLOT(CMPIAssociationMIFT, referenceNames, 5);
-MI_SIZE(CMPIAssociationMIFT, 5);
+MI_TABLE(CMPIAssociationMIFT, cleanup, associators, associatorNames, references,
+         referenceNames);
 
 MI_HEADER(CMPIMethodMIFT);
-MI_SLOT(CMPIMethodMIFT, cleanup, 1);
-MI_SLOT(CMPIMethodMIFT, invokeMethod, 2);
-MI_SIZE(CMPIMethodMIFT, 2);
+MI_TABLE(CMPIMethodMIFT, cleanup, invokeMethod);
 
 MI_HEADER(CMPIPropertyMIFT);
-MI_SLOT(CMPIPropertyMIFT, cleanup, 1);
-MI_SLOT(CMPIPropertyMIFT, setProperty, 2);
-MI_SLOT(CMPIPropertyMIFT, getProperty, 3);
-MI_SLOT(CMPIPropertyMIFT, setPropertyWithOrigin, 4);
-MI_SIZE(CMPIPropertyMIFT, 4);
+MI_TABLE(CMPIPropertyMIFT, cleanup, setProperty, getProperty, setPropertyWithOrigin);
 
 MI_HEADER(CMPIIndicationMIFT);
-MI_SLOT(CMPIIndicationMIFT, cleanup, 1);
-MI_SLOT(CMPIIndicationMIFT, authorizeFilter, 2);
-MI_SLOT(CMPIIndicationMIFT, mustPoll, 3);
-MI_SLOT(CMPIIndicationMIFT, activateFilter, 4);
-MI_SLOT(CMPIIndicationMIFT, deActivateFilter, 5);
-MI_SLOT(CMPIIndicationMIFT, enableIndications, 6);
-MI_SLOT(CMPIIndicationMIFT, disableIndications, 7);
-MI_SIZE(CMPIIndicationMIFT, 7);
+MI_TABLE(CMPIIndicationMIFT, cleanup, authorizeFilter, mustPoll, activateFilter,
+         deActivateFilter, enableIndications, disableIndications);
 
 #endif /* QRX_TESTS_CMPI_ABI_CHECKS_H_ */
