@@ -54,8 +54,6 @@ class RawThread {
   pthread_t ivId;
 };
 
-void unlockMutex(void* ipMutex) { static_cast<Mutex*>(ipMutex)->unlock(); }
-
 // Starts a waiter with a far deadline, signals it once it is counted, and
 // returns whether it woke signalled and holding the mutex.
 bool signalReachesWaiter(Cond& irCond) {
@@ -169,33 +167,6 @@ TEST(MutexTest, IsLockedAndUnlockedByAnyThread) {
   mutex.unlock();
 }
 
-std::atomic<int> handlerRuns{0};
-void countSignal(int) { ++handlerRuns; }
-
-TEST(MutexTest, LockWaitsThroughSignalHandlers) {
-  if (threadState(gettid()) == '?') GTEST_SKIP() << "no /proc/self/task";
-  struct sigaction action = {};
-  action.sa_handler = &countSignal;  // no SA_RESTART
-  sigaction(SIGUSR1, &action, nullptr);
-  Mutex mutex;
-  mutex.lock();
-  std::atomic<pid_t> tid{0};
-  std::atomic<bool> acquired{false};
-  std::thread locker([&] {
-    tid = gettid();
-    mutex.lock();
-    acquired = true;
-  });
-  while (tid == 0 || threadState(tid) != 'S') sched_yield();
-  pthread_kill(locker.native_handle(), SIGUSR1);
-  while (handlerRuns == 0) sched_yield();
-  while (!acquired && threadState(tid) != 'S') sched_yield();  // asleep again
-  EXPECT_FALSE(acquired);
-  mutex.unlock();
-  locker.join();
-  EXPECT_TRUE(acquired);
-}
-
 TEST(CondTest, TimeOutRelocksAndLostSignalIsNotRemembered) {
   Cond cond;
   cond.signal();  // no waiter: lost
@@ -269,43 +240,6 @@ TEST(CondTest, SignalRacingTimeOutLeavesAtMostOnePost) {
     offsetUs += woken ? 2 : -1;
   }
   RecordProperty("raced", raced);
-}
-
-// A waiter with a cancellation request pending enters timedWait() and
-// leaves at its first cancellation point, the sleep, without taking a post,
-// while this thread signals as soon as it gets the mutex. Whether the
-// signal is spent on the leaving waiter (its post then stays) or finds no
-// waiter depends on which of the two gets the mutex first; either way a
-// fresh Cond is left with at most one post. The number of rounds in which
-// the signal was spent is recorded as the test property "spent".
-TEST(CondTest, SignalRacingCancellationLeavesAtMostOnePost) {
-  int spent = 0;
-  for (int round = 0; round < 50; ++round) {
-    Cond cond;
-    Mutex& mutex = cond.getMutex();
-    std::atomic<bool> locked{false};
-    std::atomic<bool> proceed{false};
-    RawThread waiter([&] {
-      mutex.lock();
-      pthread_cleanup_push(&unlockMutex, &mutex);
-      locked = true;
-      while (!proceed) {
-      }  // no cancellation point while the request arrives
-      cond.timedWait(Time() + 10000);
-      pthread_cleanup_pop(1);
-    });
-    while (!locked) sched_yield();
-    pthread_cancel(waiter.id());
-    proceed = true;
-    mutex.lock();
-    cond.signal();
-    mutex.unlock();
-    ASSERT_EQ(PTHREAD_CANCELED, waiter.join());
-    const int left = postsLeftAfterLostSignal(cond);
-    ASSERT_LE(left, 1) << "round " << round;
-    spent += left;
-  }
-  RecordProperty("spent", spent);
 }
 
 // A waiter cancelled in its sleep behaves like one cancelled in a POSIX

@@ -99,16 +99,6 @@ TEST(ThreadTest, TerminateCallsTheOverride) {
   EXPECT_FALSE(thread.isRunning());
 }
 
-TEST(ThreadTest, CancelEndsThreadBlockedInCancellationPoint) {
-  BlockedThread thread;
-  ASSERT_TRUE(thread.startThread());
-  ASSERT_TRUE(thread.ivEntered.timedWait(Time() + 10000));
-  thread.terminateThread(true);
-  EXPECT_FALSE(thread.isRunning());  // cleared by the clean-up handler
-  EXPECT_TRUE(thread.isRequestTerminate());
-  EXPECT_TRUE(thread.ivUnwound);  // run() was unwound, its destructors ran
-}
-
 // Ignores the stop request and keeps polling for 10 s at most, so that only
 // the cancellation point in isRequestTerminate() can end it early.
 class DeafThread : public Thread {
@@ -125,12 +115,20 @@ class DeafThread : public Thread {
   }
 };
 
-TEST(ThreadTest, PollingTheRequestIsACancellationPoint) {
-  DeafThread thread;
-  ASSERT_TRUE(thread.startThread());
-  thread.terminateThread(true);
-  EXPECT_FALSE(thread.ivGaveUp);
-  EXPECT_FALSE(thread.isRunning());
+TEST(ThreadTest, CancelEndsRunAtItsCancellationPoints) {
+  BlockedThread blocked;
+  ASSERT_TRUE(blocked.startThread());
+  ASSERT_TRUE(blocked.ivEntered.timedWait(Time() + 10000));
+  blocked.terminateThread(true);
+  EXPECT_FALSE(blocked.isRunning());  // cleared by the clean-up handler
+  EXPECT_TRUE(blocked.isRequestTerminate());
+  EXPECT_TRUE(blocked.ivUnwound);  // run() was unwound, its destructors ran
+
+  DeafThread deaf;  // polling the request is itself a cancellation point
+  ASSERT_TRUE(deaf.startThread());
+  deaf.terminateThread(true);
+  EXPECT_FALSE(deaf.ivGaveUp);
+  EXPECT_FALSE(deaf.isRunning());
 }
 
 // Waits for its own termination from deep inside run(), so that the stack

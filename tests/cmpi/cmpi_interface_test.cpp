@@ -26,6 +26,15 @@ std::string str(const char* s) { return s ? s : "null"; }
 
 CMPIStatus ok() { return CMPIStatus{CMPI_RC_OK, nullptr}; }
 
+// A function table with no functions (calling one crashes the test).
+template <class FT>
+FT emptyTable() {
+  FT ft;
+  std::memset(&ft, 0, sizeof(ft));
+  ft.ftVersion = CMPICurrentVersion;
+  return ft;
+}
+
 // ---- Strings ---------------------------------------------------------
 
 const char* stringChars(const CMPIString* s, CMPIStatus* rc) {
@@ -60,16 +69,13 @@ CMPIString* opGetClassName(const CMPIObjectPath* op, CMPIStatus* rc) {
   return makeString(static_cast<const char*>(op->hdl));
 }
 
-CMPIObjectPathFT makeObjectPathFT() {
-  CMPIObjectPathFT ft;
-  std::memset(&ft, 0, sizeof(ft));
-  ft.ftVersion = CMPICurrentVersion;
+CMPIObjectPathFT objectPathFT = [] {
+  auto ft = emptyTable<CMPIObjectPathFT>();
   ft.addKey = opAddKey;
   ft.getKey = opGetKey;
   ft.getClassName = opGetClassName;
   return ft;
-}
-CMPIObjectPathFT objectPathFT = makeObjectPathFT();
+}();
 
 // ---- Instance, args, result -------------------------------------------
 
@@ -79,14 +85,11 @@ CMPIStatus instSetProperty(const CMPIInstance*, const char* name, const CMPIValu
          std::to_string(type) + ")");
   return ok();
 }
-CMPIInstanceFT makeInstanceFT() {
-  CMPIInstanceFT ft;
-  std::memset(&ft, 0, sizeof(ft));
-  ft.ftVersion = CMPICurrentVersion;
+CMPIInstanceFT instanceFT = [] {
+  auto ft = emptyTable<CMPIInstanceFT>();
   ft.setProperty = instSetProperty;
   return ft;
-}
-CMPIInstanceFT instanceFT = makeInstanceFT();
+}();
 
 CMPIStatus argsAddArg(const CMPIArgs*, const char* name, const CMPIValue* value, CMPIType type) {
   // For CMPI_chars the value pointer is the character data itself.
@@ -94,14 +97,11 @@ CMPIStatus argsAddArg(const CMPIArgs*, const char* name, const CMPIValue* value,
   record("addArg(" + str(name) + "," + str(chars) + "," + std::to_string(type) + ")");
   return ok();
 }
-CMPIArgsFT makeArgsFT() {
-  CMPIArgsFT ft;
-  std::memset(&ft, 0, sizeof(ft));
-  ft.ftVersion = CMPICurrentVersion;
+CMPIArgsFT argsFT = [] {
+  auto ft = emptyTable<CMPIArgsFT>();
   ft.addArg = argsAddArg;
   return ft;
-}
-CMPIArgsFT argsFT = makeArgsFT();
+}();
 
 CMPIStatus resData(const CMPIResult*, const CMPIValue* value, CMPIType type) {
   record("returnData(" + std::to_string(value->uint32) + "," + std::to_string(type) + ")");
@@ -184,9 +184,8 @@ struct FakeBroker {
   CMPIBrokerEncFT eft;
   CMPIBroker broker;
 
-  FakeBroker() {
+  FakeBroker() : eft(emptyTable<CMPIBrokerEncFT>()) {
     std::memset(&bft, 0, sizeof(bft));
-    std::memset(&eft, 0, sizeof(eft));
     bft.brokerCapabilities = CMPI_MB_Class_1;
     bft.brokerVersion = CMPICurrentVersion;
     bft.brokerName = "fake";
@@ -196,7 +195,6 @@ struct FakeBroker {
     bft.enumerateInstanceNames = bEnumInstanceNames;
     bft.associators = bAssociators;
     bft.referenceNames = bReferenceNames;
-    eft.ftVersion = CMPICurrentVersion;
     eft.newObjectPath = bNewObjectPath;
     eft.newInstance = bNewInstance;
     eft.newString = bNewString;
