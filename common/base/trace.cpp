@@ -134,7 +134,6 @@ void trace_close() {
 }
 
 std::string trace_file_path() {
-  TraceLock lock;
   return openPath[0] != '\0' ? std::string(openPath) : std::string(trace_default_path());
 }
 

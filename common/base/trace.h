@@ -44,7 +44,8 @@ void trace_open(const char* path);
 void trace_close();
 
 // The path of the log file last opened successfully; before that, the
-// default path (trace_default_path()).
+// default path (trace_default_path()). Like trace_open(), unsynchronised:
+// the path changes only at start-up.
 std::string trace_file_path();
 
 // Internal writer: formats `args` onto the current stream and flushes it.
