@@ -66,4 +66,11 @@ void trace_data(bool debugOnly, const unsigned char* data, unsigned int length,
                 const char* format, ...)
     __attribute__((format(printf, 4, 5)));
 
+// The two line shapes. `unit` is the source unit's path without extension
+// (e.g. "provider/CMPISerializer"); the function and line are the caller's.
+#define TRACE_ERROR(unit, format, ...) \
+  trace_log(false, "[%s, %s, %d] ERROR: " format, unit, __func__, __LINE__, ##__VA_ARGS__)
+#define TRACE_DEBUG(format, ...) \
+  trace_log(true, "[%s, %d] " format, __func__, __LINE__, ##__VA_ARGS__)
+
 #endif  // QRX_COMMON_BASE_TRACE_H_

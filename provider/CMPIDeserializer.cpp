@@ -1,0 +1,467 @@
+#include "provider/CMPIDeserializer.h"
+
+#include <cassert>
+#include <cstring>
+#include <limits>
+
+#include "cmpift.h"
+#include "cmpimacs.h"
+#include "common/base/trace.h"
+#include "generated/scimclasstree.h"
+
+namespace {
+
+const char kUnit[] = "provider/CMPIDeserializer";
+
+CMPIStatus okStatus() {
+  CMPIStatus status = {CMPI_RC_OK, nullptr};
+  return status;
+}
+
+void keep(CMPIStatus* kept, const CMPIStatus& status) {
+  if (status.rc != CMPI_RC_OK) *kept = status;
+}
+
+// The integer held by `data`, widened; false when it holds no integer.
+bool integerOf(const CMPIData& data, bool* negative, unsigned long long* magnitude) {
+  long long s = 0;
+  switch (data.type) {
+    case CMPI_uint8: *negative = false; *magnitude = data.value.uint8; return true;
+    case CMPI_uint16: *negative = false; *magnitude = data.value.uint16; return true;
+    case CMPI_uint32: *negative = false; *magnitude = data.value.uint32; return true;
+    case CMPI_uint64: *negative = false; *magnitude = data.value.uint64; return true;
+    case CMPI_sint8: s = data.value.sint8; break;
+    case CMPI_sint16: s = data.value.sint16; break;
+    case CMPI_sint32: s = data.value.sint32; break;
+    case CMPI_sint64: s = data.value.sint64; break;
+    default: return false;
+  }
+  *negative = s < 0;
+  *magnitude = s < 0 ? 0ULL - static_cast<unsigned long long>(s) : static_cast<unsigned long long>(s);
+  return true;
+}
+
+template <typename T>
+bool fits(bool negative, unsigned long long magnitude, T* out) {
+  typedef std::numeric_limits<T> limits;
+  if (negative) {
+    if (!limits::is_signed) return false;
+    unsigned long long most = 0ULL - static_cast<unsigned long long>(static_cast<long long>(limits::min()));
+    if (magnitude > most) return false;
+    *out = static_cast<T>(0ULL - magnitude);
+    return true;
+  }
+  if (magnitude > static_cast<unsigned long long>(limits::max())) return false;
+  *out = static_cast<T>(magnitude);
+  return true;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// CMPIDataDeserializer
+
+CMPIDataDeserializer::CMPIDataDeserializer(const CMPIData& data)
+    : ivStatus(okStatus()), ivData(data) {}
+
+bool CMPIDataDeserializer::good() {
+  if (ivData.state == 0 || ivData.state == CMPI_nullValue || ivData.state == CMPI_keyValue) {
+    return true;
+  }
+  TRACE_ERROR(kUnit, "CMPIData value was bad\n");
+  return false;
+}
+
+// For strings, datetimes, arrays and objects: only a value of state 0 is
+// taken, and it must have the expected type.
+bool CMPIDataDeserializer::present(const char* name, CMPIType type) {
+  if (ivData.state != 0) return false;
+  if (ivData.type != type) {
+    mismatch(name, "another type");
+    return false;
+  }
+  return true;
+}
+
+void CMPIDataDeserializer::mismatch(const char* name, const char* expected) {
+  TRACE_ERROR(kUnit, "value of %s has CMPI type 0x%04x, expected %s\n", name,
+              static_cast<unsigned int>(ivData.type), expected);
+  ivStatus.rc = CMPI_RC_ERR_TYPE_MISMATCH;
+  ivStatus.msg = nullptr;
+}
+
+template <typename T>
+void CMPIDataDeserializer::readInteger(const char* name, T& value) {
+  if (!good() || ivData.state == CMPI_nullValue) return;
+  bool negative = false;
+  unsigned long long magnitude = 0;
+  if (!integerOf(ivData, &negative, &magnitude)) {
+    mismatch(name, "an integer");
+    return;
+  }
+  T converted;
+  if (!fits(negative, magnitude, &converted)) {
+    mismatch(name, "an integer in range");
+    return;
+  }
+  value = converted;
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, float& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_real32);
+  if (!good() || ivData.state == CMPI_nullValue) return;
+  if (ivData.type == CMPI_real32) {
+    value = ivData.value.real32;
+  } else if (ivData.type == CMPI_real64) {
+    value = static_cast<float>(ivData.value.real64);
+  } else {
+    mismatch(name, "a real");
+  }
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, signed char& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint8);
+  readInteger(name, value);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, short& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint16);
+  readInteger(name, value);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, int& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint32);
+  readInteger(name, value);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, unsigned char& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_boolean || type == CMPI_uint8);
+  if (type == CMPI_uint8) {
+    readInteger(name, value);
+    return;
+  }
+  if (!good() || ivData.state == CMPI_nullValue) return;
+  if (ivData.type != CMPI_boolean) {
+    mismatch(name, "a boolean");
+    return;
+  }
+  value = ivData.value.boolean;
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, unsigned short& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint16);
+  readInteger(name, value);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, unsigned int& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint32);
+  readInteger(name, value);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, unsigned long long& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint64);
+  readInteger(name, value);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, cdatetime& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_dateTime);
+  if (!present(name, CMPI_dateTime) || ivData.value.dateTime == nullptr) return;
+  CMPIStatus rc = okStatus();
+  CMPIUint64 usec = CMGetBinaryFormat(ivData.value.dateTime, &rc);
+  keep(&ivStatus, rc);
+  if (rc.rc == CMPI_RC_OK) value.setTimeUsec(usec);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, std::string& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_string);
+  if (ivData.state != 0) return;
+  if (ivData.type == CMPI_chars) {
+    if (ivData.value.chars != nullptr) value = ivData.value.chars;
+    return;
+  }
+  if (!present(name, CMPI_string) || ivData.value.string == nullptr) return;
+  const char* text = CMGetCharPtr(ivData.value.string);
+  if (text != nullptr) value = text;
+}
+
+template <typename T>
+void CMPIDataDeserializer::readArray(const char* name, CMPIType elementType,
+                                     std::vector<T>& value) {
+  if (!present(name, static_cast<CMPIType>(elementType | CMPI_ARRAY)) ||
+      ivData.value.array == nullptr) {
+    return;
+  }
+  CMPIStatus rc = okStatus();
+  CMPICount count = CMGetArrayCount(ivData.value.array, &rc);
+  if (rc.rc != CMPI_RC_OK) {
+    keep(&ivStatus, rc);
+    return;
+  }
+  std::vector<T> elements;
+  elements.reserve(count);
+  for (CMPICount i = 0; i < count; ++i) {
+    CMPIData element = CMGetArrayElementAt(ivData.value.array, i, &rc);
+    if (rc.rc != CMPI_RC_OK) {
+      keep(&ivStatus, rc);
+      return;
+    }
+    CMPIDataDeserializer reader(element);
+    T item = T();
+    reader.read(name, elementType, item);
+    if (reader.hasError()) {
+      keep(&ivStatus, reader.getStatus());
+      return;
+    }
+    elements.push_back(item);
+  }
+  value.swap(elements);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type,
+                                std::vector<unsigned short>& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint16A);
+  readArray(name, CMPI_uint16, value);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type,
+                                std::vector<unsigned long long>& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint64A);
+  readArray(name, CMPI_uint64, value);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type,
+                                std::vector<std::string>& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_stringA);
+  if (ivData.state == 0 && ivData.type == CMPI_stringA && ivData.value.array != nullptr) {
+    // An array typed as strings holds string elements only.
+    CMPIStatus rc = okStatus();
+    CMPICount count = CMGetArrayCount(ivData.value.array, &rc);
+    for (CMPICount i = 0; rc.rc == CMPI_RC_OK && i < count; ++i) {
+      CMPIData element = CMGetArrayElementAt(ivData.value.array, i, &rc);
+      assert(rc.rc != CMPI_RC_OK || element.type == CMPI_string);
+    }
+  }
+  readArray(name, CMPI_string, value);
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, cstring_EO& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_string);
+  if (!present(name, CMPI_instance) || ivData.value.inst == nullptr) return;
+  const CMPIInstance* instance = ivData.value.inst;
+  CMPIStatus rc = okStatus();
+  CMPIObjectPath* path = CMGetObjectPath(instance, &rc);
+  if (rc.rc != CMPI_RC_OK || path == nullptr) {
+    keep(&ivStatus, rc);
+    return;
+  }
+  CMPIString* className = CMGetClassName(path, &rc);
+  CMPIString* nameSpace = CMGetNameSpace(path, nullptr);
+  if (rc.rc != CMPI_RC_OK || className == nullptr) {
+    keep(&ivStatus, rc);
+    return;
+  }
+  const char* classText = CMGetCharPtr(className);
+  SCIMSerdesable* object = newSerdesable(classText != nullptr ? classText : "");
+  if (object == nullptr) {
+    TRACE_ERROR(kUnit, "embedded instance in %s has the unknown class %s\n", name,
+                classText != nullptr ? classText : "");
+    ivStatus.rc = CMPI_RC_ERR_INVALID_CLASS;
+    ivStatus.msg = nullptr;
+    return;
+  }
+  CMPIDeserializer properties(instance);
+  object->deserialize(properties);
+  if (properties.hasError()) {
+    keep(&ivStatus, properties.getStatus());
+    delete object;
+    return;
+  }
+  value.reset(object);
+  value.ivClassName = classText;
+  const char* nsText = nameSpace != nullptr ? CMGetCharPtr(nameSpace) : nullptr;
+  value.ivNameSpace = nsText != nullptr ? nsText : "";
+}
+
+void CMPIDataDeserializer::read(const char* name, unsigned int type, SCIMSerdesable& value) {
+  (void)name;
+  (void)type;
+  (void)value;
+  assert(!"a nested object cannot be read from a single CMPIData");
+}
+
+SCIMSerdesable* CMPIDataDeserializer::newSerdesable(const std::string& className) {
+  return createCimObject(className);
+}
+
+// ---------------------------------------------------------------------------
+// CMPIDeserializer
+
+CMPIDeserializer::CMPIDeserializer(const CMPIInstance* instance)
+    : ivInstance(instance), ivStatus(okStatus()) {
+  assert(instance != nullptr);
+}
+
+template <typename T>
+void CMPIDeserializer::readValue(const char* name, unsigned int type, T& value) {
+  assert(name != nullptr);
+  CMPIStatus rc = okStatus();
+  CMPIData data = CMGetProperty(ivInstance, name, &rc);
+  if (rc.rc != CMPI_RC_OK) {
+    keep(&ivStatus, rc);
+    return;
+  }
+  CMPIDataDeserializer reader(data);
+  reader.read(name, type, value);
+  keep(&ivStatus, reader.getStatus());
+}
+
+void CMPIDeserializer::read(const char* name, unsigned int type, float& value) { readValue(name, type, value); }
+void CMPIDeserializer::read(const char* name, unsigned int type, signed char& value) { readValue(name, type, value); }
+void CMPIDeserializer::read(const char* name, unsigned int type, short& value) { readValue(name, type, value); }
+void CMPIDeserializer::read(const char* name, unsigned int type, int& value) { readValue(name, type, value); }
+void CMPIDeserializer::read(const char* name, unsigned int type, unsigned char& value) { readValue(name, type, value); }
+void CMPIDeserializer::read(const char* name, unsigned int type, unsigned short& value) { readValue(name, type, value); }
+void CMPIDeserializer::read(const char* name, unsigned int type, unsigned int& value) { readValue(name, type, value); }
+void CMPIDeserializer::read(const char* name, unsigned int type, unsigned long long& value) { readValue(name, type, value); }
+void CMPIDeserializer::read(const char* name, unsigned int type, cdatetime& value) { readValue(name, type, value); }
+void CMPIDeserializer::read(const char* name, unsigned int type, std::string& value) { readValue(name, type, value); }
+void CMPIDeserializer::read(const char* name, unsigned int type, std::vector<unsigned short>& value) {
+  readValue(name, type, value);
+}
+void CMPIDeserializer::read(const char* name, unsigned int type, std::vector<unsigned long long>& value) {
+  readValue(name, type, value);
+}
+void CMPIDeserializer::read(const char* name, unsigned int type, std::vector<std::string>& value) {
+  readValue(name, type, value);
+}
+void CMPIDeserializer::read(const char* name, unsigned int type, cstring_EO& value) { readValue(name, type, value); }
+
+void CMPIDeserializer::read(const char* name, unsigned int type, SCIMSerdesable& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_ref || type == CMPI_instance);
+  if (type == CMPI_instance) {
+    value.deserialize(*this);  // flat, as the writer puts it
+    return;
+  }
+  CMPIStatus rc = okStatus();
+  CMPIData data = CMGetProperty(ivInstance, name, &rc);
+  if (rc.rc != CMPI_RC_OK) {
+    keep(&ivStatus, rc);
+    return;
+  }
+  if (data.state != 0) return;
+  if (data.type != CMPI_ref || data.value.ref == nullptr) {
+    TRACE_ERROR(kUnit, "value of %s is not a reference\n", name);
+    ivStatus.rc = CMPI_RC_ERR_TYPE_MISMATCH;
+    ivStatus.msg = nullptr;
+    return;
+  }
+  CMPIObjPathDeserializer keys(data.value.ref);
+  value.deserialize(keys);
+  keep(&ivStatus, keys.getStatus());
+}
+
+SCIMSerdesable* CMPIDeserializer::newSerdesable(const std::string& className) {
+  return createCimObject(className);
+}
+
+// ---------------------------------------------------------------------------
+// CMPIObjPathDeserializer
+
+CMPIObjPathDeserializer::CMPIObjPathDeserializer(const CMPIObjectPath* path)
+    : ivPath(path), ivStatus(okStatus()) {
+  assert(path != nullptr);
+}
+
+bool CMPIObjPathDeserializer::fetch(const char* name, CMPIData* data) {
+  assert(name != nullptr);
+  CMPIStatus rc = okStatus();
+  *data = CMGetKey(ivPath, name, &rc);
+  keep(&ivStatus, rc);
+  return rc.rc == CMPI_RC_OK;
+}
+
+template <typename T>
+void CMPIObjPathDeserializer::readScalar(const char* name, unsigned int type, T& value) {
+  CMPIData data;
+  if (!fetch(name, &data)) return;
+  CMPIDataDeserializer reader(data);
+  reader.read(name, type, value);
+  keep(&ivStatus, reader.getStatus());
+}
+
+template <typename T>
+void CMPIObjPathDeserializer::readNonScalar(const char* name, unsigned int type, T& value) {
+  CMPIData data;
+  if (!fetch(name, &data)) return;
+  if (data.state != 0) {
+    TRACE_ERROR(kUnit, "No good value!!!\n");
+    return;
+  }
+  CMPIDataDeserializer reader(data);
+  reader.read(name, type, value);
+  keep(&ivStatus, reader.getStatus());
+}
+
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, float& value) { readScalar(name, type, value); }
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, signed char& value) { readScalar(name, type, value); }
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, short& value) { readScalar(name, type, value); }
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, int& value) { readScalar(name, type, value); }
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, unsigned char& value) { readScalar(name, type, value); }
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, unsigned short& value) { readScalar(name, type, value); }
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, unsigned int& value) { readScalar(name, type, value); }
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, unsigned long long& value) { readScalar(name, type, value); }
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, cdatetime& value) { readNonScalar(name, type, value); }
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, std::string& value) { readNonScalar(name, type, value); }
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, std::vector<unsigned short>& value) {
+  readNonScalar(name, type, value);
+}
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, std::vector<unsigned long long>& value) {
+  readNonScalar(name, type, value);
+}
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, std::vector<std::string>& value) {
+  readNonScalar(name, type, value);
+}
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, cstring_EO& value) { readNonScalar(name, type, value); }
+
+void CMPIObjPathDeserializer::read(const char* name, unsigned int type, SCIMSerdesable& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_ref || type == CMPI_instance);
+  if (type == CMPI_instance) {
+    value.deserialize(*this);  // flat, as the writer puts it
+    return;
+  }
+  CMPIData data;
+  if (!fetch(name, &data)) return;
+  if (data.state != 0) {
+    TRACE_ERROR(kUnit, "No good value!!!\n");
+    return;
+  }
+  if (data.type != CMPI_ref || data.value.ref == nullptr) {
+    TRACE_ERROR(kUnit, "key %s is not a reference\n", name);
+    ivStatus.rc = CMPI_RC_ERR_TYPE_MISMATCH;
+    ivStatus.msg = nullptr;
+    return;
+  }
+  CMPIObjPathDeserializer keys(data.value.ref);
+  value.deserialize(keys);
+  keep(&ivStatus, keys.getStatus());
+}
+
+SCIMSerdesable* CMPIObjPathDeserializer::newSerdesable(const std::string& className) {
+  return createCimObject(className);
+}

@@ -1,0 +1,146 @@
+// Readers of model objects from CMPI objects.
+//
+//   CMPIDeserializer         each property from CMGetProperty(instance, ...)
+//   CMPIObjPathDeserializer  each property from CMGetKey(path, ...)
+//   CMPIDataDeserializer     every read takes the one CMPIData it holds
+//
+// A read asserts the name and the type code as the writers do (the code is
+// the property's declared type, CMPI_string for cstring_EO). A failed
+// broker call leaves its status in getStatus() (the last failure wins) and
+// the target as it was.
+//
+// Values:
+// - A value counts as good when its state is 0, CMPI_nullValue or
+//   CMPI_keyValue. Scalars are copied from good values; a bad one logs
+//   "CMPIData value was bad" and is skipped.
+// - Strings, datetimes, arrays, references and embedded instances are
+//   taken only when the state is exactly 0; a null or key-flagged value is
+//   skipped (the object-path reader logs "No good value!!!").
+// - A value whose CMPI type does not fit the target (a client sending a
+//   string for a number, say) is not read: the status becomes
+//   CMPI_RC_ERR_TYPE_MISMATCH with a message naming the property. Integers
+//   of another width are accepted when the value fits the target.
+// - A reference (CMPI_ref) is read into the target key object through a
+//   CMPIObjPathDeserializer over the referenced path. A nested object read
+//   with CMPI_instance from an instance or path is read flat from the same
+//   source. The single-value reader cannot read a nested object: that
+//   aborts.
+// - An embedded instance is materialised through newSerdesable() with the
+//   class name of its object path, and read with a CMPIDeserializer.
+#ifndef QRX_PROVIDER_CMPIDESERIALIZER_H_
+#define QRX_PROVIDER_CMPIDESERIALIZER_H_
+
+#include "cmpidt.h"
+#include "common/base/SCIMCommon.h"
+
+class CMPIDataDeserializer : public SCIMDeserializerIf {
+ public:
+  explicit CMPIDataDeserializer(const CMPIData& data);
+
+  bool hasError() override { return ivStatus.rc != CMPI_RC_OK; }
+  const CMPIStatus& getStatus() const { return ivStatus; }
+
+  void read(const char* name, unsigned int type, float& value) override;
+  void read(const char* name, unsigned int type, signed char& value) override;
+  void read(const char* name, unsigned int type, short& value) override;
+  void read(const char* name, unsigned int type, int& value) override;
+  void read(const char* name, unsigned int type, unsigned char& value) override;
+  void read(const char* name, unsigned int type, unsigned short& value) override;
+  void read(const char* name, unsigned int type, unsigned int& value) override;
+  void read(const char* name, unsigned int type, unsigned long long& value) override;
+  void read(const char* name, unsigned int type, cdatetime& value) override;
+  void read(const char* name, unsigned int type, std::string& value) override;
+  void read(const char* name, unsigned int type, std::vector<unsigned short>& value) override;
+  void read(const char* name, unsigned int type, std::vector<unsigned long long>& value) override;
+  void read(const char* name, unsigned int type, std::vector<std::string>& value) override;
+  void read(const char* name, unsigned int type, cstring_EO& value) override;
+  // Unsupported for a single value: aborts.
+  void read(const char* name, unsigned int type, SCIMSerdesable& value) override;
+  // createCimObject(className).
+  SCIMSerdesable* newSerdesable(const std::string& className) override;
+
+ protected:
+  CMPIStatus ivStatus;
+
+ private:
+  template <typename T>
+  void readInteger(const char* name, T& value);
+  template <typename T>
+  void readArray(const char* name, CMPIType elementType, std::vector<T>& value);
+  bool good();
+  bool present(const char* name, CMPIType type);
+  void mismatch(const char* name, const char* expected);
+
+  CMPIData ivData;
+};
+
+// Reads each property from an instance; see above.
+class CMPIDeserializer : public SCIMDeserializerIf {
+ public:
+  explicit CMPIDeserializer(const CMPIInstance* instance);
+
+  bool hasError() override { return ivStatus.rc != CMPI_RC_OK; }
+  const CMPIStatus& getStatus() const { return ivStatus; }
+
+  void read(const char* name, unsigned int type, float& value) override;
+  void read(const char* name, unsigned int type, signed char& value) override;
+  void read(const char* name, unsigned int type, short& value) override;
+  void read(const char* name, unsigned int type, int& value) override;
+  void read(const char* name, unsigned int type, unsigned char& value) override;
+  void read(const char* name, unsigned int type, unsigned short& value) override;
+  void read(const char* name, unsigned int type, unsigned int& value) override;
+  void read(const char* name, unsigned int type, unsigned long long& value) override;
+  void read(const char* name, unsigned int type, cdatetime& value) override;
+  void read(const char* name, unsigned int type, std::string& value) override;
+  void read(const char* name, unsigned int type, std::vector<unsigned short>& value) override;
+  void read(const char* name, unsigned int type, std::vector<unsigned long long>& value) override;
+  void read(const char* name, unsigned int type, std::vector<std::string>& value) override;
+  void read(const char* name, unsigned int type, cstring_EO& value) override;
+  void read(const char* name, unsigned int type, SCIMSerdesable& value) override;
+  SCIMSerdesable* newSerdesable(const std::string& className) override;
+
+ private:
+  template <typename T>
+  void readValue(const char* name, unsigned int type, T& value);
+
+  const CMPIInstance* ivInstance;
+  CMPIStatus ivStatus;
+};
+
+// Reads each property from the keys of an object path; see above.
+class CMPIObjPathDeserializer : public SCIMDeserializerIf {
+ public:
+  explicit CMPIObjPathDeserializer(const CMPIObjectPath* path);
+
+  bool hasError() override { return ivStatus.rc != CMPI_RC_OK; }
+  const CMPIStatus& getStatus() const { return ivStatus; }
+
+  void read(const char* name, unsigned int type, float& value) override;
+  void read(const char* name, unsigned int type, signed char& value) override;
+  void read(const char* name, unsigned int type, short& value) override;
+  void read(const char* name, unsigned int type, int& value) override;
+  void read(const char* name, unsigned int type, unsigned char& value) override;
+  void read(const char* name, unsigned int type, unsigned short& value) override;
+  void read(const char* name, unsigned int type, unsigned int& value) override;
+  void read(const char* name, unsigned int type, unsigned long long& value) override;
+  void read(const char* name, unsigned int type, cdatetime& value) override;
+  void read(const char* name, unsigned int type, std::string& value) override;
+  void read(const char* name, unsigned int type, std::vector<unsigned short>& value) override;
+  void read(const char* name, unsigned int type, std::vector<unsigned long long>& value) override;
+  void read(const char* name, unsigned int type, std::vector<std::string>& value) override;
+  void read(const char* name, unsigned int type, cstring_EO& value) override;
+  void read(const char* name, unsigned int type, SCIMSerdesable& value) override;
+  SCIMSerdesable* newSerdesable(const std::string& className) override;
+
+ private:
+  template <typename T>
+  void readScalar(const char* name, unsigned int type, T& value);
+  template <typename T>
+  void readNonScalar(const char* name, unsigned int type, T& value);
+  bool fetch(const char* name, CMPIData* data);
+
+  const CMPIObjectPath* ivPath;
+  CMPIStatus ivStatus;
+};
+
+#endif  // QRX_PROVIDER_CMPIDESERIALIZER_H_

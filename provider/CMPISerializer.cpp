@@ -1,0 +1,382 @@
+#include "provider/CMPISerializer.h"
+
+#include <cassert>
+#include <cstring>
+
+#include "cmpift.h"
+#include "cmpimacs.h"
+#include "common/base/trace.h"
+
+const char* const QRX_NAMESPACE = "root/qrx";
+
+namespace {
+
+CMPIStatus okStatus() {
+  CMPIStatus status = {CMPI_RC_OK, nullptr};
+  return status;
+}
+
+CMPIValue zeroValue() {
+  CMPIValue value;
+  memset(&value, 0, sizeof(value));
+  return value;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// CMPIPropertySerializer
+
+CMPIPropertySerializer::CMPIPropertySerializer(const CMPIBroker* broker)
+    : ivBroker(broker), ivStatus(okStatus()) {}
+
+void CMPIPropertySerializer::keep(const CMPIStatus& status) {
+  if (status.rc != CMPI_RC_OK) ivStatus = status;
+}
+
+void CMPIPropertySerializer::storeScalar(const char* name, const CMPIValue& value, CMPIType type) {
+  keep(store(name, &value, type));
+}
+
+template <typename T>
+void CMPIPropertySerializer::storeBuilt(const char* name, unsigned int type, const T& value,
+                                        CMPIType storedType) {
+  CMPIValue built = zeroValue();
+  CMPIValueSerializer builder(ivBroker, &built);
+  builder.write(name, type, value);
+  if (builder.hasError()) {
+    keep(builder.getStatus());
+    return;
+  }
+  keep(store(name, &built, storedType));
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, float value) {
+  assert(name != nullptr);
+  assert(type == CMPI_real32);
+  CMPIValue v = zeroValue();
+  v.real32 = value;
+  storeScalar(name, v, CMPI_real32);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, signed char value) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint8);
+  CMPIValue v = zeroValue();
+  v.sint8 = value;
+  storeScalar(name, v, CMPI_sint8);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, short value) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint16);
+  CMPIValue v = zeroValue();
+  v.sint16 = value;
+  storeScalar(name, v, CMPI_sint16);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, int value) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint32);
+  CMPIValue v = zeroValue();
+  v.sint32 = value;
+  storeScalar(name, v, CMPI_sint32);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, unsigned char value) {
+  assert(name != nullptr);
+  assert(type == CMPI_boolean || type == CMPI_uint8);
+  CMPIValue v = zeroValue();
+  if (type == CMPI_boolean) {
+    v.boolean = value;
+  } else {
+    v.uint8 = value;
+  }
+  storeScalar(name, v, static_cast<CMPIType>(type));
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, unsigned short value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint16);
+  CMPIValue v = zeroValue();
+  v.uint16 = value;
+  storeScalar(name, v, CMPI_uint16);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, unsigned int value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint32);
+  CMPIValue v = zeroValue();
+  v.uint32 = value;
+  storeScalar(name, v, CMPI_uint32);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, unsigned long long value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint64);
+  CMPIValue v = zeroValue();
+  v.uint64 = value;
+  storeScalar(name, v, CMPI_uint64);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, const cdatetime& value) {
+  storeBuilt(name, type, value, CMPI_dateTime);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, const std::string& value) {
+  storeBuilt(name, type, value, CMPI_string);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, const char* value) {
+  if (value == nullptr) {
+    assert(name != nullptr);
+    assert(type == CMPI_string);
+    keep(store(name, nullptr, CMPI_string));
+    return;
+  }
+  storeBuilt(name, type, value, CMPI_string);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type,
+                                   const std::vector<unsigned short>& value) {
+  storeBuilt(name, type, value, CMPI_uint16A);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type,
+                                   const std::vector<unsigned long long>& value) {
+  storeBuilt(name, type, value, CMPI_uint64A);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type,
+                                   const std::vector<std::string>& value) {
+  storeBuilt(name, type, value, CMPI_stringA);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type, const cstring_EO& value) {
+  if (value.ivNull) {
+    assert(name != nullptr);
+    assert(type == CMPI_string);
+    keep(store(name, nullptr, CMPI_instance));
+    return;
+  }
+  storeBuilt(name, type, value, CMPI_instance);
+}
+
+void CMPIPropertySerializer::write(const char* name, unsigned int type,
+                                   const SCIMSerdesable& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_ref || type == CMPI_instance);
+  if (type == CMPI_instance) {
+    // Not nested: the object's properties land in this same target.
+    value.serialize(*this);
+    return;
+  }
+  storeBuilt(name, type, value, CMPI_ref);
+}
+
+void CMPIPropertySerializer::write(const char* name, CMPIData& value) {
+  (void)name;
+  (void)value;
+  ivStatus.rc = CMPI_RC_ERROR;
+  ivStatus.msg = nullptr;
+}
+
+// ---------------------------------------------------------------------------
+// CMPISerializer, CMPIObjPathSerializer
+
+CMPISerializer::CMPISerializer(const CMPIBroker* broker, CMPIInstance* instance)
+    : CMPIPropertySerializer(broker), ivInstance(instance) {
+  assert(instance != nullptr);
+}
+
+CMPIStatus CMPISerializer::store(const char* name, const CMPIValue* value, CMPIType type) {
+  return CMSetProperty(ivInstance, name, value, type);
+}
+
+CMPIObjPathSerializer::CMPIObjPathSerializer(const CMPIBroker* broker, CMPIObjectPath* path)
+    : CMPIPropertySerializer(broker), ivPath(path) {
+  assert(path != nullptr);
+}
+
+CMPIStatus CMPIObjPathSerializer::store(const char* name, const CMPIValue* value, CMPIType type) {
+  return CMAddKey(ivPath, name, value, type);
+}
+
+// ---------------------------------------------------------------------------
+// CMPIValueSerializer
+
+CMPIValueSerializer::CMPIValueSerializer(const CMPIBroker* broker, CMPIValue* target)
+    : ivBroker(broker), ivTarget(target), ivStatus(okStatus()) {
+  assert(broker != nullptr);
+  assert(target != nullptr);
+}
+
+void CMPIValueSerializer::keep(const CMPIStatus& status) {
+  if (status.rc != CMPI_RC_OK) ivStatus = status;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, float value) {
+  assert(name != nullptr);
+  assert(type == CMPI_real32);
+  ivTarget->real32 = value;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, signed char value) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint8);
+  ivTarget->sint8 = value;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, short value) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint16);
+  ivTarget->sint16 = value;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, int value) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint32);
+  ivTarget->sint32 = value;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, unsigned char value) {
+  assert(name != nullptr);
+  assert(type == CMPI_boolean || type == CMPI_uint8);
+  if (type == CMPI_boolean) {
+    ivTarget->boolean = value;
+  } else {
+    ivTarget->uint8 = value;
+  }
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, unsigned short value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint16);
+  ivTarget->uint16 = value;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, unsigned int value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint32);
+  ivTarget->uint32 = value;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, unsigned long long value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint64);
+  ivTarget->uint64 = value;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, const cdatetime& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_dateTime);
+  CMPIStatus rc = okStatus();
+  CMPIDateTime* dateTime = CMNewDateTimeFromChars(ivBroker, value.toString().c_str(), &rc);
+  keep(rc);
+  if (rc.rc == CMPI_RC_OK) ivTarget->dateTime = dateTime;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, const std::string& value) {
+  write(name, type, value.c_str());
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, const char* value) {
+  assert(name != nullptr);
+  assert(type == CMPI_string);
+  if (value == nullptr) {
+    ivTarget->string = nullptr;
+    return;
+  }
+  CMPIStatus rc = okStatus();
+  CMPIString* text = CMNewString(ivBroker, value, &rc);
+  keep(rc);
+  if (rc.rc == CMPI_RC_OK) ivTarget->string = text;
+}
+
+template <typename T>
+void CMPIValueSerializer::writeArray(const std::vector<T>& elements, CMPIType elementType) {
+  CMPIStatus rc = okStatus();
+  CMPIArray* array = CMNewArray(ivBroker, static_cast<CMPICount>(elements.size()), elementType, &rc);
+  keep(rc);
+  if (rc.rc != CMPI_RC_OK) return;
+  for (size_t i = 0; i < elements.size(); ++i) {
+    CMPIValue element = zeroValue();
+    CMPIValueSerializer builder(ivBroker, &element);
+    builder.write("", elementType, elements[i]);
+    if (builder.hasError()) {
+      keep(builder.getStatus());
+      return;
+    }
+    keep(CMSetArrayElementAt(array, static_cast<CMPICount>(i), &element, elementType));
+    if (hasError()) return;
+  }
+  ivTarget->array = array;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type,
+                                const std::vector<unsigned short>& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint16A);
+  writeArray(value, CMPI_uint16);
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type,
+                                const std::vector<unsigned long long>& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint64A);
+  writeArray(value, CMPI_uint64);
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type,
+                                const std::vector<std::string>& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_stringA);
+  writeArray(value, CMPI_string);
+}
+
+CMPIInstance* CMPIValueSerializer::newEmbeddedInstance(const char* nameSpace, const char* className,
+                                                       const SCIMSerdesable& object) {
+  CMPIStatus rc = okStatus();
+  CMPIObjectPath* path = CMNewObjectPath(ivBroker, nameSpace, className, &rc);
+  assert(rc.rc == CMPI_RC_OK && path != nullptr);
+  CMPIInstance* instance = CMNewInstance(ivBroker, path, &rc);
+  assert(rc.rc == CMPI_RC_OK && instance != nullptr);
+  CMPISerializer properties(ivBroker, instance);
+  object.serialize(properties);
+  assert(!properties.hasError());
+  return instance;
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, const cstring_EO& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_string);
+  if (value.ivNull) return;
+  assert(value.ivpEmbeddedObj != nullptr);
+  TRACE_DEBUG("namespace=%s classname=%s\n", value.ivNameSpace.c_str(), value.ivClassName.c_str());
+  ivTarget->inst = newEmbeddedInstance(value.ivNameSpace.c_str(), value.ivClassName.c_str(),
+                                       *value.ivpEmbeddedObj);
+}
+
+void CMPIValueSerializer::write(const char* name, unsigned int type, const SCIMSerdesable& value) {
+  assert(name != nullptr);
+  assert(type == CMPI_ref || type == CMPI_instance);
+  if (type == CMPI_instance) {
+    ivTarget->inst = newEmbeddedInstance(QRX_NAMESPACE, value.getCIMClassName().c_str(), value);
+    return;
+  }
+  CMPIStatus rc = okStatus();
+  CMPIObjectPath* path =
+      CMNewObjectPath(ivBroker, QRX_NAMESPACE, value.getCIMClassName().c_str(), &rc);
+  assert(rc.rc == CMPI_RC_OK && path != nullptr);
+  CMPIObjPathSerializer keys(ivBroker, path);
+  value.serialize(keys);
+  assert(!keys.hasError());
+  ivTarget->ref = path;
+}
+
+void CMPIValueSerializer::write(const char* name, CMPIData& value) {
+  (void)name;
+  (void)value;
+  ivStatus.rc = CMPI_RC_ERROR;
+  ivStatus.msg = nullptr;
+}
