@@ -308,20 +308,33 @@ SCIMSerdesable* CMPIDataDeserializer::newSerdesable(const std::string& className
 }
 
 // ---------------------------------------------------------------------------
-// CMPIDeserializer
+// CMPINamedDeserializer
 
-CMPIDeserializer::CMPIDeserializer(const CMPIInstance* instance)
-    : ivInstance(instance), ivStatus(okStatus()) {
-  assert(instance != nullptr);
+CMPINamedDeserializer::CMPINamedDeserializer() : ivStatus(okStatus()) {}
+
+bool CMPINamedDeserializer::fetchKept(const char* name, CMPIData* data) {
+  assert(name != nullptr);
+  CMPIStatus rc = okStatus();
+  bool fetched = fetch(name, data, &rc);
+  keep(&ivStatus, rc);
+  return fetched && rc.rc == CMPI_RC_OK;
 }
 
 template <typename T>
-void CMPIDeserializer::readValue(const char* name, unsigned int type, T& value) {
-  assert(name != nullptr);
-  CMPIStatus rc = okStatus();
-  CMPIData data = CMGetProperty(ivInstance, name, &rc);
-  if (rc.rc != CMPI_RC_OK) {
-    keep(&ivStatus, rc);
+void CMPINamedDeserializer::readScalar(const char* name, unsigned int type, T& value) {
+  CMPIData data;
+  if (!fetchKept(name, &data)) return;
+  CMPIDataDeserializer reader(data);
+  reader.read(name, type, value);
+  keep(&ivStatus, reader.getStatus());
+}
+
+template <typename T>
+void CMPINamedDeserializer::readNonScalar(const char* name, unsigned int type, T& value) {
+  CMPIData data;
+  if (!fetchKept(name, &data)) return;
+  if (data.state != 0) {
+    if (logsSkippedValues()) TRACE_ERROR(kUnit, "No good value!!!\n");
     return;
   }
   CMPIDataDeserializer reader(data);
@@ -329,41 +342,39 @@ void CMPIDeserializer::readValue(const char* name, unsigned int type, T& value) 
   keep(&ivStatus, reader.getStatus());
 }
 
-void CMPIDeserializer::read(const char* name, unsigned int type, float& value) { readValue(name, type, value); }
-void CMPIDeserializer::read(const char* name, unsigned int type, signed char& value) { readValue(name, type, value); }
-void CMPIDeserializer::read(const char* name, unsigned int type, short& value) { readValue(name, type, value); }
-void CMPIDeserializer::read(const char* name, unsigned int type, int& value) { readValue(name, type, value); }
-void CMPIDeserializer::read(const char* name, unsigned int type, unsigned char& value) { readValue(name, type, value); }
-void CMPIDeserializer::read(const char* name, unsigned int type, unsigned short& value) { readValue(name, type, value); }
-void CMPIDeserializer::read(const char* name, unsigned int type, unsigned int& value) { readValue(name, type, value); }
-void CMPIDeserializer::read(const char* name, unsigned int type, unsigned long long& value) { readValue(name, type, value); }
-void CMPIDeserializer::read(const char* name, unsigned int type, cdatetime& value) { readValue(name, type, value); }
-void CMPIDeserializer::read(const char* name, unsigned int type, std::string& value) { readValue(name, type, value); }
-void CMPIDeserializer::read(const char* name, unsigned int type, std::vector<unsigned short>& value) {
-  readValue(name, type, value);
-}
-void CMPIDeserializer::read(const char* name, unsigned int type, std::vector<unsigned long long>& value) {
-  readValue(name, type, value);
-}
-void CMPIDeserializer::read(const char* name, unsigned int type, std::vector<std::string>& value) {
-  readValue(name, type, value);
-}
-void CMPIDeserializer::read(const char* name, unsigned int type, cstring_EO& value) { readValue(name, type, value); }
+#define QRX_READ(T, how)                                                          \
+  void CMPINamedDeserializer::read(const char* name, unsigned int type, T& value) { \
+    how(name, type, value);                                                       \
+  }
+QRX_READ(float, readScalar)
+QRX_READ(signed char, readScalar)
+QRX_READ(short, readScalar)
+QRX_READ(int, readScalar)
+QRX_READ(unsigned char, readScalar)
+QRX_READ(unsigned short, readScalar)
+QRX_READ(unsigned int, readScalar)
+QRX_READ(unsigned long long, readScalar)
+QRX_READ(cdatetime, readNonScalar)
+QRX_READ(std::string, readNonScalar)
+QRX_READ(std::vector<unsigned short>, readNonScalar)
+QRX_READ(std::vector<unsigned long long>, readNonScalar)
+QRX_READ(std::vector<std::string>, readNonScalar)
+QRX_READ(cstring_EO, readNonScalar)
+#undef QRX_READ
 
-void CMPIDeserializer::read(const char* name, unsigned int type, SCIMSerdesable& value) {
+void CMPINamedDeserializer::read(const char* name, unsigned int type, SCIMSerdesable& value) {
   assert(name != nullptr);
   assert(type == CMPI_ref || type == CMPI_instance);
   if (type == CMPI_instance) {
-    value.deserialize(*this);  // flat, as the writer puts it
+    value.deserialize(*this);  // flat, as the writers put it
     return;
   }
-  CMPIStatus rc = okStatus();
-  CMPIData data = CMGetProperty(ivInstance, name, &rc);
-  if (rc.rc != CMPI_RC_OK) {
-    keep(&ivStatus, rc);
+  CMPIData data;
+  if (!fetchKept(name, &data)) return;
+  if (data.state != 0) {
+    if (logsSkippedValues()) TRACE_ERROR(kUnit, "No good value!!!\n");
     return;
   }
-  if (data.state != 0) return;
   if (data.type != CMPI_ref || data.value.ref == nullptr) {
     TRACE_ERROR(kUnit, "value of %s is not a reference\n", name);
     ivStatus.rc = CMPI_RC_ERR_TYPE_MISMATCH;
@@ -375,93 +386,27 @@ void CMPIDeserializer::read(const char* name, unsigned int type, SCIMSerdesable&
   keep(&ivStatus, keys.getStatus());
 }
 
-SCIMSerdesable* CMPIDeserializer::newSerdesable(const std::string& className) {
+SCIMSerdesable* CMPINamedDeserializer::newSerdesable(const std::string& className) {
   return createCimObject(className);
 }
 
 // ---------------------------------------------------------------------------
-// CMPIObjPathDeserializer
+// CMPIDeserializer, CMPIObjPathDeserializer
 
-CMPIObjPathDeserializer::CMPIObjPathDeserializer(const CMPIObjectPath* path)
-    : ivPath(path), ivStatus(okStatus()) {
+CMPIDeserializer::CMPIDeserializer(const CMPIInstance* instance) : ivInstance(instance) {
+  assert(instance != nullptr);
+}
+
+bool CMPIDeserializer::fetch(const char* name, CMPIData* data, CMPIStatus* rc) {
+  *data = CMGetProperty(ivInstance, name, rc);
+  return rc->rc == CMPI_RC_OK;
+}
+
+CMPIObjPathDeserializer::CMPIObjPathDeserializer(const CMPIObjectPath* path) : ivPath(path) {
   assert(path != nullptr);
 }
 
-bool CMPIObjPathDeserializer::fetch(const char* name, CMPIData* data) {
-  assert(name != nullptr);
-  CMPIStatus rc = okStatus();
-  *data = CMGetKey(ivPath, name, &rc);
-  keep(&ivStatus, rc);
-  return rc.rc == CMPI_RC_OK;
-}
-
-template <typename T>
-void CMPIObjPathDeserializer::readScalar(const char* name, unsigned int type, T& value) {
-  CMPIData data;
-  if (!fetch(name, &data)) return;
-  CMPIDataDeserializer reader(data);
-  reader.read(name, type, value);
-  keep(&ivStatus, reader.getStatus());
-}
-
-template <typename T>
-void CMPIObjPathDeserializer::readNonScalar(const char* name, unsigned int type, T& value) {
-  CMPIData data;
-  if (!fetch(name, &data)) return;
-  if (data.state != 0) {
-    TRACE_ERROR(kUnit, "No good value!!!\n");
-    return;
-  }
-  CMPIDataDeserializer reader(data);
-  reader.read(name, type, value);
-  keep(&ivStatus, reader.getStatus());
-}
-
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, float& value) { readScalar(name, type, value); }
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, signed char& value) { readScalar(name, type, value); }
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, short& value) { readScalar(name, type, value); }
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, int& value) { readScalar(name, type, value); }
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, unsigned char& value) { readScalar(name, type, value); }
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, unsigned short& value) { readScalar(name, type, value); }
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, unsigned int& value) { readScalar(name, type, value); }
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, unsigned long long& value) { readScalar(name, type, value); }
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, cdatetime& value) { readNonScalar(name, type, value); }
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, std::string& value) { readNonScalar(name, type, value); }
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, std::vector<unsigned short>& value) {
-  readNonScalar(name, type, value);
-}
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, std::vector<unsigned long long>& value) {
-  readNonScalar(name, type, value);
-}
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, std::vector<std::string>& value) {
-  readNonScalar(name, type, value);
-}
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, cstring_EO& value) { readNonScalar(name, type, value); }
-
-void CMPIObjPathDeserializer::read(const char* name, unsigned int type, SCIMSerdesable& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_ref || type == CMPI_instance);
-  if (type == CMPI_instance) {
-    value.deserialize(*this);  // flat, as the writer puts it
-    return;
-  }
-  CMPIData data;
-  if (!fetch(name, &data)) return;
-  if (data.state != 0) {
-    TRACE_ERROR(kUnit, "No good value!!!\n");
-    return;
-  }
-  if (data.type != CMPI_ref || data.value.ref == nullptr) {
-    TRACE_ERROR(kUnit, "key %s is not a reference\n", name);
-    ivStatus.rc = CMPI_RC_ERR_TYPE_MISMATCH;
-    ivStatus.msg = nullptr;
-    return;
-  }
-  CMPIObjPathDeserializer keys(data.value.ref);
-  value.deserialize(keys);
-  keep(&ivStatus, keys.getStatus());
-}
-
-SCIMSerdesable* CMPIObjPathDeserializer::newSerdesable(const std::string& className) {
-  return createCimObject(className);
+bool CMPIObjPathDeserializer::fetch(const char* name, CMPIData* data, CMPIStatus* rc) {
+  *data = CMGetKey(ivPath, name, rc);
+  return rc->rc == CMPI_RC_OK;
 }

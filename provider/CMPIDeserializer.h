@@ -74,11 +74,10 @@ class CMPIDataDeserializer : public SCIMDeserializerIf {
   CMPIData ivData;
 };
 
-// Reads each property from an instance; see above.
-class CMPIDeserializer : public SCIMDeserializerIf {
+// Shared reader of the instance and object-path deserializers: every read
+// fetches one CMPIData by name and converts it as CMPIDataDeserializer does.
+class CMPINamedDeserializer : public SCIMDeserializerIf {
  public:
-  explicit CMPIDeserializer(const CMPIInstance* instance);
-
   bool hasError() override { return ivStatus.rc != CMPI_RC_OK; }
   const CMPIStatus& getStatus() const { return ivStatus; }
 
@@ -97,50 +96,52 @@ class CMPIDeserializer : public SCIMDeserializerIf {
   void read(const char* name, unsigned int type, std::vector<std::string>& value) override;
   void read(const char* name, unsigned int type, cstring_EO& value) override;
   void read(const char* name, unsigned int type, SCIMSerdesable& value) override;
+  // createCimObject(className).
   SCIMSerdesable* newSerdesable(const std::string& className) override;
 
- private:
-  template <typename T>
-  void readValue(const char* name, unsigned int type, T& value);
+ protected:
+  CMPINamedDeserializer();
 
-  const CMPIInstance* ivInstance;
-  CMPIStatus ivStatus;
-};
-
-// Reads each property from the keys of an object path; see above.
-class CMPIObjPathDeserializer : public SCIMDeserializerIf {
- public:
-  explicit CMPIObjPathDeserializer(const CMPIObjectPath* path);
-
-  bool hasError() override { return ivStatus.rc != CMPI_RC_OK; }
-  const CMPIStatus& getStatus() const { return ivStatus; }
-
-  void read(const char* name, unsigned int type, float& value) override;
-  void read(const char* name, unsigned int type, signed char& value) override;
-  void read(const char* name, unsigned int type, short& value) override;
-  void read(const char* name, unsigned int type, int& value) override;
-  void read(const char* name, unsigned int type, unsigned char& value) override;
-  void read(const char* name, unsigned int type, unsigned short& value) override;
-  void read(const char* name, unsigned int type, unsigned int& value) override;
-  void read(const char* name, unsigned int type, unsigned long long& value) override;
-  void read(const char* name, unsigned int type, cdatetime& value) override;
-  void read(const char* name, unsigned int type, std::string& value) override;
-  void read(const char* name, unsigned int type, std::vector<unsigned short>& value) override;
-  void read(const char* name, unsigned int type, std::vector<unsigned long long>& value) override;
-  void read(const char* name, unsigned int type, std::vector<std::string>& value) override;
-  void read(const char* name, unsigned int type, cstring_EO& value) override;
-  void read(const char* name, unsigned int type, SCIMSerdesable& value) override;
-  SCIMSerdesable* newSerdesable(const std::string& className) override;
+  // Gets the named value; on failure returns false with the broker's status.
+  virtual bool fetch(const char* name, CMPIData* data, CMPIStatus* rc) = 0;
+  // Whether a value skipped for its state is logged ("No good value!!!").
+  virtual bool logsSkippedValues() const = 0;
 
  private:
   template <typename T>
   void readScalar(const char* name, unsigned int type, T& value);
   template <typename T>
   void readNonScalar(const char* name, unsigned int type, T& value);
-  bool fetch(const char* name, CMPIData* data);
+  bool fetchKept(const char* name, CMPIData* data);
 
-  const CMPIObjectPath* ivPath;
   CMPIStatus ivStatus;
+};
+
+// Reads each property from an instance (CMGetProperty); see above.
+class CMPIDeserializer : public CMPINamedDeserializer {
+ public:
+  explicit CMPIDeserializer(const CMPIInstance* instance);
+
+ protected:
+  bool fetch(const char* name, CMPIData* data, CMPIStatus* rc) override;
+  bool logsSkippedValues() const override { return false; }
+
+ private:
+  const CMPIInstance* ivInstance;
+};
+
+// Reads each property from the keys of an object path (CMGetKey); see
+// above.
+class CMPIObjPathDeserializer : public CMPINamedDeserializer {
+ public:
+  explicit CMPIObjPathDeserializer(const CMPIObjectPath* path);
+
+ protected:
+  bool fetch(const char* name, CMPIData* data, CMPIStatus* rc) override;
+  bool logsSkippedValues() const override { return true; }
+
+ private:
+  const CMPIObjectPath* ivPath;
 };
 
 #endif  // QRX_PROVIDER_CMPIDESERIALIZER_H_

@@ -310,7 +310,7 @@ class Parser:
         self.expect("{")
         while self.peek() != "}":
             if self.peek() is None:
-                raise SchemaError(self.where(), "unterminated class %s" % name)
+                raise SchemaError(where, "class %s is not closed with '}'" % name)
             self.parse_member(cls)
         self.expect("}")
         self.schema.classes[name] = cls
