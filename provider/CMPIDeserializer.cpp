@@ -56,6 +56,65 @@ bool fits(bool negative, unsigned long long magnitude, T* out) {
   return true;
 }
 
+// Every read first checks the name and that the type code is the one of
+// the target's value type: a mismatch is a defect of the generated classes.
+void checkCode(const char* name, unsigned int type, const float&) {
+  assert(name != nullptr);
+  assert(type == CMPI_real32);
+}
+void checkCode(const char* name, unsigned int type, const signed char&) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint8);
+}
+void checkCode(const char* name, unsigned int type, const short&) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint16);
+}
+void checkCode(const char* name, unsigned int type, const int&) {
+  assert(name != nullptr);
+  assert(type == CMPI_sint32);
+}
+void checkCode(const char* name, unsigned int type, const unsigned char&) {
+  assert(name != nullptr);
+  assert(type == CMPI_boolean || type == CMPI_uint8);
+}
+void checkCode(const char* name, unsigned int type, const unsigned short&) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint16);
+}
+void checkCode(const char* name, unsigned int type, const unsigned int&) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint32);
+}
+void checkCode(const char* name, unsigned int type, const unsigned long long&) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint64);
+}
+void checkCode(const char* name, unsigned int type, const cdatetime&) {
+  assert(name != nullptr);
+  assert(type == CMPI_dateTime);
+}
+void checkCode(const char* name, unsigned int type, const std::string&) {
+  assert(name != nullptr);
+  assert(type == CMPI_string);
+}
+void checkCode(const char* name, unsigned int type, const std::vector<unsigned short>&) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint16A);
+}
+void checkCode(const char* name, unsigned int type, const std::vector<unsigned long long>&) {
+  assert(name != nullptr);
+  assert(type == CMPI_uint64A);
+}
+void checkCode(const char* name, unsigned int type, const std::vector<std::string>&) {
+  assert(name != nullptr);
+  assert(type == CMPI_stringA);
+}
+void checkCode(const char* name, unsigned int type, const cstring_EO&) {
+  assert(name != nullptr);
+  assert(type == CMPI_string);
+}
+
 }  // namespace
 
 // ---------------------------------------------------------------------------
@@ -108,8 +167,7 @@ void CMPIDataDeserializer::readInteger(const char* name, T& value) {
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, float& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_real32);
+  checkCode(name, type, value);
   if (!good() || ivData.state == CMPI_nullValue) return;
   if (ivData.type == CMPI_real32) {
     value = ivData.value.real32;
@@ -121,26 +179,22 @@ void CMPIDataDeserializer::read(const char* name, unsigned int type, float& valu
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, signed char& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_sint8);
+  checkCode(name, type, value);
   readInteger(name, value);
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, short& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_sint16);
+  checkCode(name, type, value);
   readInteger(name, value);
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, int& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_sint32);
+  checkCode(name, type, value);
   readInteger(name, value);
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, unsigned char& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_boolean || type == CMPI_uint8);
+  checkCode(name, type, value);
   if (type == CMPI_uint8) {
     readInteger(name, value);
     return;
@@ -154,26 +208,22 @@ void CMPIDataDeserializer::read(const char* name, unsigned int type, unsigned ch
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, unsigned short& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_uint16);
+  checkCode(name, type, value);
   readInteger(name, value);
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, unsigned int& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_uint32);
+  checkCode(name, type, value);
   readInteger(name, value);
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, unsigned long long& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_uint64);
+  checkCode(name, type, value);
   readInteger(name, value);
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, cdatetime& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_dateTime);
+  checkCode(name, type, value);
   if (!present(name, CMPI_dateTime) || ivData.value.dateTime == nullptr) return;
   CMPIStatus rc = okStatus();
   CMPIUint64 usec = CMGetBinaryFormat(ivData.value.dateTime, &rc);
@@ -182,8 +232,7 @@ void CMPIDataDeserializer::read(const char* name, unsigned int type, cdatetime& 
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, std::string& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_string);
+  checkCode(name, type, value);
   if (ivData.state != 0) return;
   if (ivData.type == CMPI_chars) {
     if (ivData.value.chars != nullptr) value = ivData.value.chars;
@@ -229,22 +278,19 @@ void CMPIDataDeserializer::readArray(const char* name, CMPIType elementType,
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type,
                                 std::vector<unsigned short>& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_uint16A);
+  checkCode(name, type, value);
   readArray(name, CMPI_uint16, value);
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type,
                                 std::vector<unsigned long long>& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_uint64A);
+  checkCode(name, type, value);
   readArray(name, CMPI_uint64, value);
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type,
                                 std::vector<std::string>& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_stringA);
+  checkCode(name, type, value);
   if (ivData.state == 0 && ivData.type == CMPI_stringA && ivData.value.array != nullptr) {
     // An array typed as strings holds string elements only.
     CMPIStatus rc = okStatus();
@@ -258,8 +304,7 @@ void CMPIDataDeserializer::read(const char* name, unsigned int type,
 }
 
 void CMPIDataDeserializer::read(const char* name, unsigned int type, cstring_EO& value) {
-  assert(name != nullptr);
-  assert(type == CMPI_string);
+  checkCode(name, type, value);
   if (!present(name, CMPI_instance) || ivData.value.inst == nullptr) return;
   const CMPIInstance* instance = ivData.value.inst;
   CMPIStatus rc = okStatus();
@@ -322,6 +367,7 @@ bool CMPINamedDeserializer::fetchKept(const char* name, CMPIData* data) {
 
 template <typename T>
 void CMPINamedDeserializer::readScalar(const char* name, unsigned int type, T& value) {
+  checkCode(name, type, value);
   CMPIData data;
   if (!fetchKept(name, &data)) return;
   CMPIDataDeserializer reader(data);
@@ -331,6 +377,7 @@ void CMPINamedDeserializer::readScalar(const char* name, unsigned int type, T& v
 
 template <typename T>
 void CMPINamedDeserializer::readNonScalar(const char* name, unsigned int type, T& value) {
+  checkCode(name, type, value);
   CMPIData data;
   if (!fetchKept(name, &data)) return;
   if (data.state != 0) {

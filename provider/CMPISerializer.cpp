@@ -34,16 +34,12 @@ void CMPIPropertySerializer::keep(const CMPIStatus& status) {
   if (status.rc != CMPI_RC_OK) ivStatus = status;
 }
 
-void CMPIPropertySerializer::storeScalar(const char* name, const CMPIValue& value, CMPIType type) {
-  keep(store(name, &value, type));
-}
-
 template <typename T>
 void CMPIPropertySerializer::storeBuilt(const char* name, unsigned int type, const T& value,
                                         CMPIType storedType) {
   CMPIValue built = zeroValue();
   CMPIValueSerializer builder(ivBroker, &built);
-  builder.write(name, type, value);
+  builder.write(name, type, value);  // checks name and type code
   if (builder.hasError()) {
     keep(builder.getStatus());
     return;
@@ -51,81 +47,26 @@ void CMPIPropertySerializer::storeBuilt(const char* name, unsigned int type, con
   keep(store(name, &built, storedType));
 }
 
-void CMPIPropertySerializer::write(const char* name, unsigned int type, float value) {
-  assert(name != nullptr);
-  assert(type == CMPI_real32);
-  CMPIValue v = zeroValue();
-  v.real32 = value;
-  storeScalar(name, v, CMPI_real32);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type, signed char value) {
-  assert(name != nullptr);
-  assert(type == CMPI_sint8);
-  CMPIValue v = zeroValue();
-  v.sint8 = value;
-  storeScalar(name, v, CMPI_sint8);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type, short value) {
-  assert(name != nullptr);
-  assert(type == CMPI_sint16);
-  CMPIValue v = zeroValue();
-  v.sint16 = value;
-  storeScalar(name, v, CMPI_sint16);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type, int value) {
-  assert(name != nullptr);
-  assert(type == CMPI_sint32);
-  CMPIValue v = zeroValue();
-  v.sint32 = value;
-  storeScalar(name, v, CMPI_sint32);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type, unsigned char value) {
-  assert(name != nullptr);
-  assert(type == CMPI_boolean || type == CMPI_uint8);
-  CMPIValue v = zeroValue();
-  if (type == CMPI_boolean) {
-    v.boolean = value;
-  } else {
-    v.uint8 = value;
+// Scalars, strings, datetimes and arrays are stored with the type code they
+// were written with.
+#define QRX_STORE(T)                                                                   \
+  void CMPIPropertySerializer::write(const char* name, unsigned int type, T value) {    \
+    storeBuilt(name, type, value, static_cast<CMPIType>(type));                       \
   }
-  storeScalar(name, v, static_cast<CMPIType>(type));
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type, unsigned short value) {
-  assert(name != nullptr);
-  assert(type == CMPI_uint16);
-  CMPIValue v = zeroValue();
-  v.uint16 = value;
-  storeScalar(name, v, CMPI_uint16);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type, unsigned int value) {
-  assert(name != nullptr);
-  assert(type == CMPI_uint32);
-  CMPIValue v = zeroValue();
-  v.uint32 = value;
-  storeScalar(name, v, CMPI_uint32);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type, unsigned long long value) {
-  assert(name != nullptr);
-  assert(type == CMPI_uint64);
-  CMPIValue v = zeroValue();
-  v.uint64 = value;
-  storeScalar(name, v, CMPI_uint64);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type, const cdatetime& value) {
-  storeBuilt(name, type, value, CMPI_dateTime);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type, const std::string& value) {
-  storeBuilt(name, type, value, CMPI_string);
-}
+QRX_STORE(float)
+QRX_STORE(signed char)
+QRX_STORE(short)
+QRX_STORE(int)
+QRX_STORE(unsigned char)
+QRX_STORE(unsigned short)
+QRX_STORE(unsigned int)
+QRX_STORE(unsigned long long)
+QRX_STORE(const cdatetime&)
+QRX_STORE(const std::string&)
+QRX_STORE(const std::vector<unsigned short>&)
+QRX_STORE(const std::vector<unsigned long long>&)
+QRX_STORE(const std::vector<std::string>&)
+#undef QRX_STORE
 
 void CMPIPropertySerializer::write(const char* name, unsigned int type, const char* value) {
   if (value == nullptr) {
@@ -135,21 +76,6 @@ void CMPIPropertySerializer::write(const char* name, unsigned int type, const ch
     return;
   }
   storeBuilt(name, type, value, CMPI_string);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type,
-                                   const std::vector<unsigned short>& value) {
-  storeBuilt(name, type, value, CMPI_uint16A);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type,
-                                   const std::vector<unsigned long long>& value) {
-  storeBuilt(name, type, value, CMPI_uint64A);
-}
-
-void CMPIPropertySerializer::write(const char* name, unsigned int type,
-                                   const std::vector<std::string>& value) {
-  storeBuilt(name, type, value, CMPI_stringA);
 }
 
 void CMPIPropertySerializer::write(const char* name, unsigned int type, const cstring_EO& value) {

@@ -65,7 +65,6 @@ class CMPIPropertySerializer : public SCIMSerializerIf {
   CMPIStatus ivStatus;
 
  private:
-  void storeScalar(const char* name, const CMPIValue& value, CMPIType type);
   // Builds the value with a CMPIValueSerializer and stores it on success.
   template <typename T>
   void storeBuilt(const char* name, unsigned int type, const T& value, CMPIType storedType);

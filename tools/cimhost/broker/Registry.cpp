@@ -1,0 +1,160 @@
+#include "tools/cimhost/broker/Registry.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace cimhost {
+
+Registry::~Registry() { clear(); }
+
+void Registry::destroy(std::map<uint64_t, Entry>* iopEntries) {
+  for (auto& entry : *iopEntries) {
+    std::free(entry.second.block);
+    entry.second.object.reset();
+  }
+  iopEntries->clear();
+}
+
+void Registry::addObject(std::unique_ptr<EncObject> ipObject) {
+  std::lock_guard<std::mutex> lock(ivMutex);
+  const void* key = ipObject->handle();
+  const uint64_t seq = ivNextSeq++;
+  Entry& slot = ivEntries[seq];
+  try {
+    ivIndex.emplace(key, seq);
+  } catch (...) {
+    ivEntries.erase(seq);
+    throw;
+  }
+  slot.object = std::move(ipObject);
+}
+
+bool Registry::releaseObject(const void* ipHandle) {
+  std::unique_ptr<EncObject> doomed;
+  {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    auto it = ivIndex.find(ipHandle);
+    if (it == ivIndex.end()) return false;
+    auto entry = ivEntries.find(it->second);
+    if (!entry->second.object) return false;  // a block, not an object
+    doomed = std::move(entry->second.object);
+    ivEntries.erase(entry);
+    ivIndex.erase(it);
+  }
+  return true;
+}
+
+void* Registry::allocate(size_t ipSize, bool ipZero) {
+  void* block = ipZero ? std::calloc(1, ipSize ? ipSize : 1) : std::malloc(ipSize ? ipSize : 1);
+  if (!block) return nullptr;
+  try {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    const uint64_t seq = ivNextSeq++;
+    Entry& slot = ivEntries[seq];
+    try {
+      ivIndex.emplace(block, seq);
+    } catch (...) {
+      ivEntries.erase(seq);
+      throw;
+    }
+    slot.block = block;
+    ++ivBlockCount;
+  } catch (...) {
+    std::free(block);
+    return nullptr;
+  }
+  return block;
+}
+
+void* Registry::reallocate(void* ipBlock, size_t ipSize) {
+  std::lock_guard<std::mutex> lock(ivMutex);
+  auto it = ivIndex.find(ipBlock);
+  if (it == ivIndex.end()) return nullptr;
+  auto entry = ivEntries.find(it->second);
+  if (!entry->second.block) return nullptr;  // an object, not a block
+  void* grown = std::realloc(ipBlock, ipSize ? ipSize : 1);
+  if (!grown) return nullptr;
+  // Re-keying the index node allocates nothing, so nothing can fail now
+  // that realloc() may have moved the block.
+  auto node = ivIndex.extract(it);
+  node.key() = grown;
+  ivIndex.insert(std::move(node));
+  entry->second.block = grown;
+  return grown;
+}
+
+bool Registry::freeBlock(void* ipBlock) {
+  {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    auto it = ivIndex.find(ipBlock);
+    if (it == ivIndex.end()) return false;
+    auto entry = ivEntries.find(it->second);
+    if (!entry->second.block) return false;  // an object, not a block
+    ivEntries.erase(entry);
+    ivIndex.erase(it);
+    --ivBlockCount;
+  }
+  std::free(ipBlock);
+  return true;
+}
+
+const void* Registry::mark() {
+  std::lock_guard<std::mutex> lock(ivMutex);
+  auto mark = std::make_unique<Mark>();
+  mark->seq = ivNextSeq - 1;
+  const void* key = mark.get();
+  ivMarks.emplace(key, std::move(mark));
+  return key;
+}
+
+std::map<uint64_t, Registry::Entry> Registry::takeAfter(uint64_t ipSeq) {
+  std::map<uint64_t, Entry> taken;
+  auto first = ivEntries.upper_bound(ipSeq);
+  for (auto it = first; it != ivEntries.end(); ++it) {
+    if (it->second.block) {
+      ivIndex.erase(it->second.block);
+      --ivBlockCount;
+    } else {
+      ivIndex.erase(it->second.object->handle());
+    }
+  }
+  taken.insert(std::make_move_iterator(first), std::make_move_iterator(ivEntries.end()));
+  ivEntries.erase(first, ivEntries.end());
+  return taken;
+}
+
+bool Registry::releaseMark(const void* ipMark) {
+  std::map<uint64_t, Entry> doomed;
+  {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    auto it = ivMarks.find(ipMark);
+    if (it == ivMarks.end()) return false;
+    doomed = takeAfter(it->second->seq);
+    ivMarks.erase(it);
+  }
+  destroy(&doomed);
+  return true;
+}
+
+size_t Registry::objectCount() const {
+  std::lock_guard<std::mutex> lock(ivMutex);
+  return ivEntries.size() - ivBlockCount;
+}
+
+size_t Registry::blockCount() const {
+  std::lock_guard<std::mutex> lock(ivMutex);
+  return ivBlockCount;
+}
+
+void Registry::clear() {
+  std::map<uint64_t, Entry> doomed;
+  {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    doomed = takeAfter(0);
+    ivMarks.clear();
+  }
+  destroy(&doomed);
+}
+
+}  // namespace cimhost

@@ -1,0 +1,91 @@
+// cimhost::Registry: what a broker has handed out and not yet freed, the
+// way an object manager keeps the objects of a request.
+//
+// Entries are encapsulated objects (keyed by the address of their C
+// struct) and memory blocks from the broker's cmpiMalloc family (keyed by
+// the block address). Each entry gets the next sequence number; a mark
+// remembers the number at its creation, and releasing the mark frees every
+// entry created after it that is still registered (marks nest). Releasing
+// a mark twice, or an entry that is not registered, is refused. The
+// destructor frees everything still registered, marks included.
+//
+// Objects are destroyed outside the registry's lock. Thread-safe.
+#ifndef QRX_TOOLS_CIMHOST_BROKER_REGISTRY_H_
+#define QRX_TOOLS_CIMHOST_BROKER_REGISTRY_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+
+#include "tools/cimhost/broker/EncObject.h"
+
+namespace cimhost {
+
+class Registry {
+ public:
+  Registry() = default;
+  ~Registry();
+
+  Registry(const Registry&) = delete;
+  Registry& operator=(const Registry&) = delete;
+
+  void addObject(std::unique_ptr<EncObject> ipObject);
+
+  // Frees the object whose C struct is at `ipHandle`; false if no
+  // registered object has it.
+  bool releaseObject(const void* ipHandle);
+
+  // A registered block of `ipSize` bytes (zeroed if `ipZero`); NULL when out
+  // of memory. A size of 0 allocates one byte.
+  void* allocate(size_t ipSize, bool ipZero);
+
+  // Resizes a registered block, keeping its sequence number; NULL (the
+  // block unchanged) when `ipBlock` is not registered or memory is out.
+  void* reallocate(void* ipBlock, size_t ipSize);
+
+  // Frees a registered block; false if `ipBlock` is not one.
+  bool freeBlock(void* ipBlock);
+
+  // A new mark; NULL when out of memory.
+  const void* mark();
+
+  // Frees the entries created after `ipMark`, then the mark; false (nothing
+  // freed) if `ipMark` is not a live mark.
+  bool releaseMark(const void* ipMark);
+
+  size_t objectCount() const;
+  size_t blockCount() const;
+
+  // Frees every entry and mark.
+  void clear();
+
+ private:
+  struct Entry {
+    std::unique_ptr<EncObject> object;  // or
+    void* block = nullptr;
+  };
+
+  // Moves the entries with a sequence number above `ipSeq` out of the map;
+  // the caller frees them after unlocking.
+  std::map<uint64_t, Entry> takeAfter(uint64_t ipSeq);
+
+  static void destroy(std::map<uint64_t, Entry>* iopEntries);
+
+  mutable std::mutex ivMutex;
+  uint64_t ivNextSeq = 1;
+  std::map<uint64_t, Entry> ivEntries;                // by sequence number
+  std::unordered_map<const void*, uint64_t> ivIndex;  // key -> sequence number
+  struct Mark {
+    uint64_t seq;  // the last sequence number given out before the mark
+  };
+
+  std::unordered_map<const void*, std::unique_ptr<Mark>> ivMarks;  // by address
+  size_t ivBlockCount = 0;
+};
+
+}  // namespace cimhost
+
+#endif  // QRX_TOOLS_CIMHOST_BROKER_REGISTRY_H_
