@@ -28,17 +28,7 @@ CMPIData argsGetArg(const CMPIArgs* as, const char* name, CMPIStatus* rc) {
   }
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
-    if (!name) {
-      setStatus(rc, core, Status(CMPI_RC_ERR_INVALID_PARAMETER, "argument name is NULL"));
-      return missingData();
-    }
-    const Value* value = self->args().find(name);
-    if (!value) {
-      setStatus(rc, core, Status(CMPI_RC_ERR_NOT_FOUND, std::string("no argument ") + name));
-      return missingData();
-    }
-    setOk(rc);
-    return value->data();
+    return namedValueData(core, self->args(), name, "argument", "", CMPI_RC_ERR_NOT_FOUND, rc);
   });
 }
 
@@ -50,18 +40,7 @@ CMPIData argsGetArgAt(const CMPIArgs* as, CMPICount index, CMPIString** name, CM
   }
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
-    const NamedValues& args = self->args();
-    if (index >= args.size()) {
-      setStatus(rc, core,
-                Status(CMPI_RC_ERR_NO_SUCH_PROPERTY, "argument index " + std::to_string(index) +
-                                                         " out of range (" +
-                                                         std::to_string(args.size()) +
-                                                         " arguments)"));
-      return missingData();
-    }
-    if (name) *name = core->newString(args.nameAt(index));
-    setOk(rc);
-    return args.valueAt(index).data();
+    return indexedValueData(core, self->args(), index, name, "argument", rc);
   });
 }
 

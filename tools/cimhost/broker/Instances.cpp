@@ -25,19 +25,9 @@ CMPIData instGetProperty(const CMPIInstance* inst, const char* name, CMPIStatus*
   }
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
-    if (!name) {
-      setStatus(rc, core, Status(CMPI_RC_ERR_INVALID_PARAMETER, "property name is NULL"));
-      return missingData();
-    }
-    const Value* value = self->properties().find(name);
-    if (!value) {
-      setStatus(rc, core,
-                Status(CMPI_RC_ERR_NO_SUCH_PROPERTY, std::string("no property ") + name + " in " +
-                                                         self->path().className() + " instance"));
-      return missingData();
-    }
-    setOk(rc);
-    return value->data();
+    return namedValueData(core, self->properties(), name, "property",
+                          " in " + self->path().className() + " instance",
+                          CMPI_RC_ERR_NO_SUCH_PROPERTY, rc);
   });
 }
 
@@ -50,17 +40,7 @@ CMPIData instGetPropertyAt(const CMPIInstance* inst, CMPICount index, CMPIString
   }
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
-    const NamedValues& properties = self->properties();
-    if (index >= properties.size()) {
-      setStatus(rc, core,
-                Status(CMPI_RC_ERR_NO_SUCH_PROPERTY,
-                       "property index " + std::to_string(index) + " out of range (" +
-                           std::to_string(properties.size()) + " properties)"));
-      return missingData();
-    }
-    if (name) *name = core->newString(properties.nameAt(index));
-    setOk(rc);
-    return properties.valueAt(index).data();
+    return indexedValueData(core, self->properties(), index, name, "property", rc);
   });
 }
 

@@ -96,19 +96,8 @@ CMPIData opGetKey(const CMPIObjectPath* op, const char* name, CMPIStatus* rc) {
   }
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
-    if (!name) {
-      setStatus(rc, core, Status(CMPI_RC_ERR_INVALID_PARAMETER, "key name is NULL"));
-      return missingData();
-    }
-    const Value* key = self->keys().find(name);
-    if (!key) {
-      setStatus(rc, core,
-                Status(CMPI_RC_ERR_NOT_FOUND, std::string("no key ") + name + " in " +
-                                                  self->className() + " path"));
-      return missingData();
-    }
-    setOk(rc);
-    return key->data(CMPI_goodValue);
+    return namedValueData(core, self->keys(), name, "key", " in " + self->className() + " path",
+                          CMPI_RC_ERR_NOT_FOUND, rc);
   });
 }
 
@@ -121,17 +110,7 @@ CMPIData opGetKeyAt(const CMPIObjectPath* op, CMPICount index, CMPIString** name
   }
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
-    const NamedValues& keys = self->keys();
-    if (index >= keys.size()) {
-      setStatus(rc, core,
-                Status(CMPI_RC_ERR_NO_SUCH_PROPERTY, "key index " + std::to_string(index) +
-                                                         " out of range (" +
-                                                         std::to_string(keys.size()) + " keys)"));
-      return missingData();
-    }
-    if (name) *name = core->newString(keys.nameAt(index));
-    setOk(rc);
-    return keys.valueAt(index).data(CMPI_goodValue);
+    return indexedValueData(core, self->keys(), index, name, "key", rc);
   });
 }
 

@@ -6,6 +6,7 @@
 
 #include "tools/cimhost/broker/Args.h"
 #include "tools/cimhost/broker/Arrays.h"
+#include "tools/cimhost/broker/Core.h"
 #include "tools/cimhost/broker/DateTimes.h"
 #include "tools/cimhost/broker/Enumerations.h"
 #include "tools/cimhost/broker/Instances.h"
@@ -258,6 +259,38 @@ NamedValues NamedValues::copy(Core* ipCore) const {
   out.ivItems.reserve(ivItems.size());
   for (const auto& item : ivItems) out.ivItems.emplace_back(item.first, item.second.copy(ipCore));
   return out;
+}
+
+CMPIData namedValueData(Core* ipCore, const NamedValues& irValues, const char* ipName,
+                        const char* ipWhat, const std::string& irWhere, CMPIrc ipMissing,
+                        CMPIStatus* opRc, CMPIValueState ipState) {
+  if (!ipName) {
+    setStatus(opRc, ipCore,
+              Status(CMPI_RC_ERR_INVALID_PARAMETER, std::string(ipWhat) + " name is NULL"));
+    return missingData();
+  }
+  const Value* value = irValues.find(ipName);
+  if (!value) {
+    setStatus(opRc, ipCore, Status(ipMissing, std::string("no ") + ipWhat + " " + ipName + irWhere));
+    return missingData();
+  }
+  setOk(opRc);
+  return value->data(ipState);
+}
+
+CMPIData indexedValueData(Core* ipCore, const NamedValues& irValues, CMPICount ipIndex,
+                          CMPIString** opName, const char* ipWhat, CMPIStatus* opRc,
+                          CMPIValueState ipState) {
+  if (ipIndex >= irValues.size()) {
+    setStatus(opRc, ipCore,
+              Status(CMPI_RC_ERR_NO_SUCH_PROPERTY,
+                     std::string(ipWhat) + " index " + std::to_string(ipIndex) +
+                         " out of range (" + std::to_string(irValues.size()) + " in all)"));
+    return missingData();
+  }
+  if (opName) *opName = ipCore->newString(irValues.nameAt(ipIndex));
+  setOk(opRc);
+  return irValues.valueAt(ipIndex).data(ipState);
 }
 
 }  // namespace cimhost

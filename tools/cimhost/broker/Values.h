@@ -103,6 +103,20 @@ class NamedValues {
   std::vector<std::pair<std::string, Value>> ivItems;
 };
 
+// The getters of the CMPI tables over a NamedValues (getProperty, getKey,
+// getArg and their ...At forms), run inside the caller's guard. `ipWhat`
+// names an item in messages ("property", "key", "argument"), `irWhere`
+// ends the unknown-name message (" in QRX_Switch instance", or ""). A NULL
+// name is CMPI_RC_ERR_INVALID_PARAMETER, an unknown one `ipMissing`, an
+// index past the end CMPI_RC_ERR_NO_SUCH_PROPERTY; each returns
+// missingData() then. `ipState` is or-ed into the state of what is found.
+CMPIData namedValueData(Core* ipCore, const NamedValues& irValues, const char* ipName,
+                        const char* ipWhat, const std::string& irWhere, CMPIrc ipMissing,
+                        CMPIStatus* opRc, CMPIValueState ipState = CMPI_goodValue);
+CMPIData indexedValueData(Core* ipCore, const NamedValues& irValues, CMPICount ipIndex,
+                          CMPIString** opName, const char* ipWhat, CMPIStatus* opRc,
+                          CMPIValueState ipState = CMPI_goodValue);
+
 }  // namespace cimhost
 
 #endif  // QRX_TOOLS_CIMHOST_BROKER_VALUES_H_
