@@ -6,18 +6,11 @@
 #include <sstream>
 
 #include "tools/cimhost/broker/MofParser.h"
+#include "tools/cimhost/broker/MofScanner.h"
 
 namespace cimhost {
 
 namespace {
-
-std::string lower(const std::string& irText) {
-  std::string out = irText;
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
-}
 
 bool sameName(const std::string& irA, const std::string& irB) {
   return strcasecmp(irA.c_str(), irB.c_str()) == 0;
@@ -52,7 +45,7 @@ bool ClassHierarchy::loadMofText(const std::string& irText, const std::string& i
   ClassMap merged = ivClasses;
   for (MofClassDecl& decl : decls) {
     const std::string where = irName + ":" + std::to_string(decl.line);
-    auto it = merged.find(lower(decl.name));
+    auto it = merged.find(lowerName(decl.name));
     if (it == merged.end()) {
       // A new class must not close a superclass loop.
       for (std::string up = decl.superclass; !up.empty();) {
@@ -60,7 +53,7 @@ bool ClassHierarchy::loadMofText(const std::string& irText, const std::string& i
           *opError = where + ": class " + decl.name + " inherits from itself";
           return false;
         }
-        auto parent = merged.find(lower(up));
+        auto parent = merged.find(lowerName(up));
         up = parent == merged.end() ? std::string() : parent->second.superclass;
       }
       ClassInfo info;
@@ -70,7 +63,7 @@ bool ClassHierarchy::loadMofText(const std::string& irText, const std::string& i
       info.indication = decl.indication;
       info.keys = std::move(decl.keys);
       info.origin = where;
-      merged.emplace(lower(decl.name), std::move(info));
+      merged.emplace(lowerName(decl.name), std::move(info));
       continue;
     }
 
@@ -102,7 +95,7 @@ bool ClassHierarchy::loadMofText(const std::string& irText, const std::string& i
 }
 
 const ClassHierarchy::ClassInfo* ClassHierarchy::find(const std::string& irClass) const {
-  auto it = ivClasses.find(lower(irClass));
+  auto it = ivClasses.find(lowerName(irClass));
   return it == ivClasses.end() ? nullptr : &it->second;
 }
 

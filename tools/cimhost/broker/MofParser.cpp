@@ -10,14 +10,6 @@ namespace cimhost {
 
 namespace {
 
-std::string lower(const std::string& irText) {
-  std::string out = irText;
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
-}
-
 char closerOf(char ipOpen) {
   switch (ipOpen) {
     case '(': return ')';
@@ -158,7 +150,7 @@ class Parser {
       if (atEnd()) return failHere("missing ']' after qualifier list");
       const bool isFalse = rest.size() >= 3 && rest[0].isPunct('(') &&
                            rest[1].isKeyword("false") && rest[2].isPunct(')');
-      (*opQualifiers)[lower(name)] = !isFalse;
+      (*opQualifiers)[lowerName(name)] = !isFalse;
       if (peek().isPunct(']')) {
         ++ivPos;
         return true;

@@ -90,4 +90,12 @@ bool scanMof(const std::string& irText, const std::string& irName,
   return true;
 }
 
+std::string lowerName(const std::string& irText) {
+  std::string out = irText;
+  for (char& c : out) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return out;
+}
+
 }  // namespace cimhost

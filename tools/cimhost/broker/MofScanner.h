@@ -39,6 +39,10 @@ struct MofToken {
 bool scanMof(const std::string& irText, const std::string& irName,
              std::vector<MofToken>* opTokens, std::string* opError);
 
+// `irText` with ASCII letters in lower case: MOF names (classes,
+// properties, qualifiers) compare case-insensitively.
+std::string lowerName(const std::string& irText);
+
 }  // namespace cimhost
 
 #endif  // QRX_TOOLS_CIMHOST_BROKER_MOFSCANNER_H_
