@@ -7,8 +7,6 @@ namespace cimhost {
 
 namespace {
 
-const Status kInvalidHandle(CMPI_RC_ERR_INVALID_HANDLE, "");
-
 CMPIStatus argsRelease(CMPIArgs* as) { return releaseFromC<EncArgs>(as); }
 
 CMPIArgs* argsClone(const CMPIArgs* as, CMPIStatus* rc) { return cloneFromC<EncArgs>(as, rc); }
@@ -21,11 +19,8 @@ CMPIStatus argsAddArg(const CMPIArgs* as, const char* name, const CMPIValue* val
 }
 
 CMPIData argsGetArg(const CMPIArgs* as, const char* name, CMPIStatus* rc) {
-  EncArgs* self = EncArgs::of(as);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return missingData();
-  }
+  EncArgs* self = EncArgs::of(as, rc);
+  if (!self) return missingData();
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
     return namedValueData(core, self->args(), name, "argument", "", CMPI_RC_ERR_NOT_FOUND, rc);
@@ -33,11 +28,8 @@ CMPIData argsGetArg(const CMPIArgs* as, const char* name, CMPIStatus* rc) {
 }
 
 CMPIData argsGetArgAt(const CMPIArgs* as, CMPICount index, CMPIString** name, CMPIStatus* rc) {
-  EncArgs* self = EncArgs::of(as);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return missingData();
-  }
+  EncArgs* self = EncArgs::of(as, rc);
+  if (!self) return missingData();
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
     return indexedValueData(core, self->args(), index, name, "argument", rc);
@@ -45,11 +37,8 @@ CMPIData argsGetArgAt(const CMPIArgs* as, CMPICount index, CMPIString** name, CM
 }
 
 CMPICount argsGetArgCount(const CMPIArgs* as, CMPIStatus* rc) {
-  EncArgs* self = EncArgs::of(as);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return 0;
-  }
+  EncArgs* self = EncArgs::of(as, rc);
+  if (!self) return 0;
   setOk(rc);
   return static_cast<CMPICount>(self->args().size());
 }

@@ -6,8 +6,6 @@ namespace cimhost {
 
 namespace {
 
-const Status kInvalidHandle(CMPI_RC_ERR_INVALID_HANDLE, "");
-
 CMPIStatus ctxRelease(CMPIContext* ctx) { return releaseFromC<EncContext>(ctx); }
 
 CMPIContext* ctxClone(const CMPIContext* ctx, CMPIStatus* rc) {
@@ -15,11 +13,8 @@ CMPIContext* ctxClone(const CMPIContext* ctx, CMPIStatus* rc) {
 }
 
 CMPIData ctxGetEntry(const CMPIContext* ctx, const char* name, CMPIStatus* rc) {
-  EncContext* self = EncContext::of(ctx);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return missingData();
-  }
+  EncContext* self = EncContext::of(ctx, rc);
+  if (!self) return missingData();
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
     CMPIData data;
@@ -39,11 +34,8 @@ CMPIData ctxGetEntry(const CMPIContext* ctx, const char* name, CMPIStatus* rc) {
 
 CMPIData ctxGetEntryAt(const CMPIContext* ctx, CMPICount index, CMPIString** name,
                        CMPIStatus* rc) {
-  EncContext* self = EncContext::of(ctx);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return missingData();
-  }
+  EncContext* self = EncContext::of(ctx, rc);
+  if (!self) return missingData();
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
     std::string entryName;
@@ -61,11 +53,8 @@ CMPIData ctxGetEntryAt(const CMPIContext* ctx, CMPICount index, CMPIString** nam
 }
 
 CMPICount ctxGetEntryCount(const CMPIContext* ctx, CMPIStatus* rc) {
-  EncContext* self = EncContext::of(ctx);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return 0;
-  }
+  EncContext* self = EncContext::of(ctx, rc);
+  if (!self) return 0;
   setOk(rc);
   return static_cast<CMPICount>(self->size());
 }

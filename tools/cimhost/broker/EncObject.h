@@ -24,6 +24,7 @@
 #include <memory>
 
 #include "cmpift.h"
+#include "tools/cimhost/broker/Status.h"
 
 namespace cimhost {
 
@@ -70,6 +71,14 @@ class Encapsulated : public EncObject {
   static Self* of(const C* ipC) {
     if (!ipC || !ipC->hdl || !Self::isOwnTable(ipC->ft)) return nullptr;
     return Self::fromHdl(ipC->hdl);
+  }
+
+  // As of(), and sets *opRc (when not NULL) to CMPI_RC_ERR_INVALID_HANDLE
+  // when there is no such object.
+  static Self* of(const C* ipC, CMPIStatus* opRc) {
+    Self* self = of(ipC);
+    if (!self) setStatus(opRc, nullptr, Status(CMPI_RC_ERR_INVALID_HANDLE, ""));
+    return self;
   }
 
   static Self* fromHdl(void* ipHdl) {

@@ -6,8 +6,6 @@ namespace cimhost {
 
 namespace {
 
-const Status kInvalidHandle(CMPI_RC_ERR_INVALID_HANDLE, "");
-
 CMPIStatus enumRelease(CMPIEnumeration* en) { return releaseFromC<EncEnumeration>(en); }
 
 CMPIEnumeration* enumClone(const CMPIEnumeration* en, CMPIStatus* rc) {
@@ -15,11 +13,8 @@ CMPIEnumeration* enumClone(const CMPIEnumeration* en, CMPIStatus* rc) {
 }
 
 CMPIData enumGetNext(const CMPIEnumeration* en, CMPIStatus* rc) {
-  EncEnumeration* self = EncEnumeration::of(en);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return missingData();
-  }
+  EncEnumeration* self = EncEnumeration::of(en, rc);
+  if (!self) return missingData();
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
     if (!self->hasNext()) {
@@ -32,21 +27,15 @@ CMPIData enumGetNext(const CMPIEnumeration* en, CMPIStatus* rc) {
 }
 
 CMPIBoolean enumHasNext(const CMPIEnumeration* en, CMPIStatus* rc) {
-  EncEnumeration* self = EncEnumeration::of(en);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return 0;
-  }
+  EncEnumeration* self = EncEnumeration::of(en, rc);
+  if (!self) return 0;
   setOk(rc);
   return self->hasNext() ? 1 : 0;
 }
 
 CMPIArray* enumToArray(const CMPIEnumeration* en, CMPIStatus* rc) {
-  EncEnumeration* self = EncEnumeration::of(en);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return nullptr;
-  }
+  EncEnumeration* self = EncEnumeration::of(en, rc);
+  if (!self) return nullptr;
   Core* core = self->core();
   return guard(core, rc, static_cast<CMPIArray*>(nullptr), [&] {
     CMPIArray* array = core->adopt(self->toArray(core));

@@ -9,19 +9,14 @@ namespace {
 
 using OptionalText = std::optional<std::string> EncError::Fields::*;
 
-const Status kInvalidHandle(CMPI_RC_ERR_INVALID_HANDLE, "");
-
 CMPIStatus errRelease(CMPIError* er) { return releaseFromC<EncError>(er); }
 
 CMPIError* errClone(const CMPIError* er, CMPIStatus* rc) { return cloneFromC<EncError>(er, rc); }
 
 template <class E>
 E enumField(const CMPIError* er, CMPIStatus* rc, E EncError::Fields::*ipField, E ipFallback) {
-  EncError* self = EncError::of(er);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return ipFallback;
-  }
+  EncError* self = EncError::of(er, rc);
+  if (!self) return ipFallback;
   setOk(rc);
   return self->fields().*ipField;
 }
@@ -35,11 +30,8 @@ CMPIStatus setEnumField(CMPIError* er, E EncError::Fields::*ipField, E ipValue) 
 }
 
 CMPIString* textField(const CMPIError* er, CMPIStatus* rc, OptionalText ipField) {
-  EncError* self = EncError::of(er);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return nullptr;
-  }
+  EncError* self = EncError::of(er, rc);
+  if (!self) return nullptr;
   Core* core = self->core();
   return guard(core, rc, static_cast<CMPIString*>(nullptr), [&] {
     const std::optional<std::string>& text = self->fields().*ipField;
@@ -61,11 +53,8 @@ CMPIStatus setTextField(CMPIError* er, const char* ipText, OptionalText ipField,
 
 CMPIArray* arrayField(const CMPIError* er, CMPIStatus* rc,
                       const EncArray* (EncError::*ipGet)() const) {
-  EncError* self = EncError::of(er);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return nullptr;
-  }
+  EncError* self = EncError::of(er, rc);
+  if (!self) return nullptr;
   Core* core = self->core();
   return guard(core, rc, static_cast<CMPIArray*>(nullptr), [&] {
     const EncArray* array = (self->*ipGet)();

@@ -9,8 +9,6 @@ namespace cimhost {
 
 namespace {
 
-const Status kInvalidHandle(CMPI_RC_ERR_INVALID_HANDLE, "");
-
 CMPIStatus instRelease(CMPIInstance* inst) { return releaseFromC<EncInstance>(inst); }
 
 CMPIInstance* instClone(const CMPIInstance* inst, CMPIStatus* rc) {
@@ -18,11 +16,8 @@ CMPIInstance* instClone(const CMPIInstance* inst, CMPIStatus* rc) {
 }
 
 CMPIData instGetProperty(const CMPIInstance* inst, const char* name, CMPIStatus* rc) {
-  EncInstance* self = EncInstance::of(inst);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return missingData();
-  }
+  EncInstance* self = EncInstance::of(inst, rc);
+  if (!self) return missingData();
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
     return namedValueData(core, self->properties(), name, "property",
@@ -33,11 +28,8 @@ CMPIData instGetProperty(const CMPIInstance* inst, const char* name, CMPIStatus*
 
 CMPIData instGetPropertyAt(const CMPIInstance* inst, CMPICount index, CMPIString** name,
                            CMPIStatus* rc) {
-  EncInstance* self = EncInstance::of(inst);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return missingData();
-  }
+  EncInstance* self = EncInstance::of(inst, rc);
+  if (!self) return missingData();
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
     return indexedValueData(core, self->properties(), index, name, "property", rc);
@@ -45,11 +37,8 @@ CMPIData instGetPropertyAt(const CMPIInstance* inst, CMPICount index, CMPIString
 }
 
 CMPICount instGetPropertyCount(const CMPIInstance* inst, CMPIStatus* rc) {
-  EncInstance* self = EncInstance::of(inst);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return 0;
-  }
+  EncInstance* self = EncInstance::of(inst, rc);
+  if (!self) return 0;
   setOk(rc);
   return static_cast<CMPICount>(self->properties().size());
 }
@@ -62,11 +51,8 @@ CMPIStatus instSetProperty(const CMPIInstance* inst, const char* name, const CMP
 }
 
 CMPIObjectPath* instGetObjectPath(const CMPIInstance* inst, CMPIStatus* rc) {
-  EncInstance* self = EncInstance::of(inst);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return nullptr;
-  }
+  EncInstance* self = EncInstance::of(inst, rc);
+  if (!self) return nullptr;
   Core* core = self->core();
   return guard(core, rc, static_cast<CMPIObjectPath*>(nullptr), [&] {
     CMPIObjectPath* path = core->adopt(self->objectPath(core));

@@ -7,8 +7,6 @@ namespace cimhost {
 
 namespace {
 
-const Status kInvalidHandle(CMPI_RC_ERR_INVALID_HANDLE, "");
-
 std::string orEmpty(const char* ipText) { return ipText ? std::string(ipText) : std::string(); }
 
 CMPIStatus opRelease(CMPIObjectPath* op) { return releaseFromC<EncObjectPath>(op); }
@@ -36,11 +34,8 @@ CMPIString* stringResult(EncObjectPath* ipSelf, const std::string& irText, CMPIS
 }
 
 CMPIString* opGetNameSpace(const CMPIObjectPath* op, CMPIStatus* rc) {
-  EncObjectPath* self = EncObjectPath::of(op);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return nullptr;
-  }
+  EncObjectPath* self = EncObjectPath::of(op, rc);
+  if (!self) return nullptr;
   return stringResult(self, self->nameSpace(), rc);
 }
 
@@ -54,11 +49,8 @@ CMPIStatus opSetHostname(CMPIObjectPath* op, const char* hn) {
 }
 
 CMPIString* opGetHostname(const CMPIObjectPath* op, CMPIStatus* rc) {
-  EncObjectPath* self = EncObjectPath::of(op);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return nullptr;
-  }
+  EncObjectPath* self = EncObjectPath::of(op, rc);
+  if (!self) return nullptr;
   return stringResult(self, self->host(), rc);
 }
 
@@ -73,11 +65,8 @@ CMPIStatus opSetClassName(CMPIObjectPath* op, const char* cn) {
 }
 
 CMPIString* opGetClassName(const CMPIObjectPath* op, CMPIStatus* rc) {
-  EncObjectPath* self = EncObjectPath::of(op);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return nullptr;
-  }
+  EncObjectPath* self = EncObjectPath::of(op, rc);
+  if (!self) return nullptr;
   return stringResult(self, self->className(), rc);
 }
 
@@ -89,11 +78,8 @@ CMPIStatus opAddKey(CMPIObjectPath* op, const char* name, const CMPIValue* value
 }
 
 CMPIData opGetKey(const CMPIObjectPath* op, const char* name, CMPIStatus* rc) {
-  EncObjectPath* self = EncObjectPath::of(op);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return missingData();
-  }
+  EncObjectPath* self = EncObjectPath::of(op, rc);
+  if (!self) return missingData();
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
     return namedValueData(core, self->keys(), name, "key", " in " + self->className() + " path",
@@ -103,11 +89,8 @@ CMPIData opGetKey(const CMPIObjectPath* op, const char* name, CMPIStatus* rc) {
 
 CMPIData opGetKeyAt(const CMPIObjectPath* op, CMPICount index, CMPIString** name,
                     CMPIStatus* rc) {
-  EncObjectPath* self = EncObjectPath::of(op);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return missingData();
-  }
+  EncObjectPath* self = EncObjectPath::of(op, rc);
+  if (!self) return missingData();
   Core* core = self->core();
   return guard(core, rc, missingData(), [&] {
     return indexedValueData(core, self->keys(), index, name, "key", rc);
@@ -115,11 +98,8 @@ CMPIData opGetKeyAt(const CMPIObjectPath* op, CMPICount index, CMPIString** name
 }
 
 CMPICount opGetKeyCount(const CMPIObjectPath* op, CMPIStatus* rc) {
-  EncObjectPath* self = EncObjectPath::of(op);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return 0;
-  }
+  EncObjectPath* self = EncObjectPath::of(op, rc);
+  if (!self) return 0;
   setOk(rc);
   return static_cast<CMPICount>(self->keys().size());
 }
@@ -178,11 +158,8 @@ CMPIData opGetParameterQualifier(const CMPIObjectPath* op, const char*, const ch
 }
 
 CMPIString* opToString(const CMPIObjectPath* op, CMPIStatus* rc) {
-  EncObjectPath* self = EncObjectPath::of(op);
-  if (!self) {
-    setStatus(rc, nullptr, kInvalidHandle);
-    return nullptr;
-  }
+  EncObjectPath* self = EncObjectPath::of(op, rc);
+  if (!self) return nullptr;
   Core* core = self->core();
   return guard(core, rc, static_cast<CMPIString*>(nullptr), [&] {
     setOk(rc);
