@@ -7,16 +7,12 @@
 #include "cmpift.h"
 #include "cmpimacs.h"
 #include "common/base/trace.h"
+#include "provider/StatusUtil.h"
 #include "generated/scimclasstree.h"
 
 namespace {
 
 const char kUnit[] = "provider/CMPIDeserializer";
-
-CMPIStatus okStatus() {
-  CMPIStatus status = {CMPI_RC_OK, nullptr};
-  return status;
-}
 
 void keep(CMPIStatus* kept, const CMPIStatus& status) {
   if (status.rc != CMPI_RC_OK) *kept = status;
@@ -446,6 +442,11 @@ CMPIDeserializer::CMPIDeserializer(const CMPIInstance* instance) : ivInstance(in
 
 bool CMPIDeserializer::fetch(const char* name, CMPIData* data, CMPIStatus* rc) {
   *data = CMGetProperty(ivInstance, name, rc);
+  if (rc->rc == CMPI_RC_ERR_NO_SUCH_PROPERTY) {
+    // A client names only the properties it sets; the rest keep their values.
+    *rc = okStatus();
+    return false;
+  }
   return rc->rc == CMPI_RC_OK;
 }
 

@@ -117,7 +117,9 @@ class CMPINamedDeserializer : public SCIMDeserializerIf {
   CMPIStatus ivStatus;
 };
 
-// Reads each property from an instance (CMGetProperty); see above.
+// Reads each property from an instance (CMGetProperty); see above. A
+// property the instance does not have is skipped without error: clients
+// set only the properties they mean.
 class CMPIDeserializer : public CMPINamedDeserializer {
  public:
   explicit CMPIDeserializer(const CMPIInstance* instance);

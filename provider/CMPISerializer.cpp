@@ -6,15 +6,11 @@
 #include "cmpift.h"
 #include "cmpimacs.h"
 #include "common/base/trace.h"
+#include "provider/StatusUtil.h"
 
 const char* const QRX_NAMESPACE = "root/qrx";
 
 namespace {
-
-CMPIStatus okStatus() {
-  CMPIStatus status = {CMPI_RC_OK, nullptr};
-  return status;
-}
 
 CMPIValue zeroValue() {
   CMPIValue value;

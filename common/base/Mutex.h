@@ -35,6 +35,18 @@ class Mutex {
   Semaphore ivSem;
 };
 
+// Holds `irMutex` for the lifetime of the guard.
+class MutexLock {
+ public:
+  explicit MutexLock(Mutex& irMutex) : ivMutex(irMutex) { ivMutex.lock(); }
+  ~MutexLock() { ivMutex.unlock(); }
+  MutexLock(const MutexLock&) = delete;
+  MutexLock& operator=(const MutexLock&) = delete;
+
+ private:
+  Mutex& ivMutex;
+};
+
 }  // namespace fcbb
 
 #endif  // QRX_COMMON_BASE_MUTEX_H_

@@ -70,7 +70,10 @@ void trace_data(bool debugOnly, const unsigned char* data, unsigned int length,
 // (e.g. "provider/CMPISerializer"); the function and line are the caller's.
 #define TRACE_ERROR(unit, format, ...) \
   trace_log(false, "[%s, %s, %d] ERROR: " format, unit, __func__, __LINE__, ##__VA_ARGS__)
-#define TRACE_DEBUG(format, ...) \
-  trace_log(true, "[%s, %d] " format, __func__, __LINE__, ##__VA_ARGS__)
+// The arguments are evaluated only while debug_on is set.
+#define TRACE_DEBUG(format, ...)                                           \
+  do {                                                                     \
+    if (debug_on) trace_log(true, "[%s, %d] " format, __func__, __LINE__, ##__VA_ARGS__); \
+  } while (0)
 
 #endif  // QRX_COMMON_BASE_TRACE_H_

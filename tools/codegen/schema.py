@@ -98,13 +98,37 @@ class Method:
 
 
 class ModelClass:
-    def __init__(self, kind, name, superclass, where):
+    def __init__(self, kind, name, superclass, where, handwritten=False):
         self.kind, self.name, self.superclass, self.where = kind, name, superclass, where
+        self.handwritten = handwritten  # its provider is written by hand
         self.keys = []        # key property names, in key order
         self.keys_where = where
         self.properties = []  # Property, in model order (unmodelled included)
         self.methods = []     # Method, in dispatch order
+        self.implements = []  # backend operations defined by hand, in common/backend
+        self.implements_where = where
         self.source = os.path.basename(where.path)
+
+    @property
+    def generated_provider(self):
+        """Whether the class gets the generated provider glue and backend."""
+        return self.name.startswith("QRX_") and self.kind != "indication" and not self.handwritten
+
+    @property
+    def ends(self):
+        """The left and right reference of an association."""
+        refs = self.references
+        return refs[0], refs[1]
+
+    def backend_operations(self):
+        """The names of the operations of the class's backend."""
+        ops = ["enumInstanceNames", "enumInstances", "getInstance", "createInstance",
+               "modifyInstance", "deleteInstance"]
+        if self.kind == "association":
+            for end in self.ends:
+                ops += [op + end.name for op in
+                        ("associatorsFor", "associatorNamesFor", "referencesFor")]
+        return ops + [m.name for m in self.methods]
 
     @property
     def modelled(self):
@@ -225,6 +249,11 @@ class Parser:
                 self.parse_tree()
             elif tok == "hierarchy":
                 self.parse_hierarchy()
+            elif tok == "handwritten":
+                kind, kwhere = self.ident("a class kind")
+                if kind not in KINDS:
+                    raise SchemaError(kwhere, "expected a class kind after 'handwritten', found %r" % kind)
+                self.parse_class(kind, kwhere, handwritten=True)
             elif tok in KINDS:
                 self.parse_class(tok, where)
             else:
@@ -297,7 +326,7 @@ class Parser:
                                      "list the property as 'unmodelled'" % name)
         return Type(name)
 
-    def parse_class(self, kind, where):
+    def parse_class(self, kind, where, handwritten=False):
         name, where = self.ident("a class name")
         superclass = None
         if self.peek() == ":":
@@ -306,7 +335,7 @@ class Parser:
         if name in self.schema.classes:
             raise SchemaError(where, "class %s is declared again (first at %s)"
                               % (name, self.schema.classes[name].where))
-        cls = ModelClass(kind, name, superclass, where)
+        cls = ModelClass(kind, name, superclass, where, handwritten)
         self.expect("{")
         while self.peek() != "}":
             if self.peek() is None:
@@ -328,6 +357,21 @@ class Parser:
                 if key in cls.keys:
                     raise SchemaError(where, "key %s named twice" % key)
                 cls.keys.append(key)
+                if self.peek() != ",":
+                    break
+                self.next()
+            self.expect(";")
+            return
+        if tok == "implements":
+            self.next()
+            if cls.implements:
+                raise SchemaError(where, "a second implements line")
+            cls.implements_where = where
+            while True:
+                op, _ = self.ident("a backend operation")
+                if op in cls.implements:
+                    raise SchemaError(where, "operation %s named twice" % op)
+                cls.implements.append(op)
                 if self.peek() != ",":
                     break
                 self.next()
@@ -444,7 +488,33 @@ def check(schema):
         for method in cls.methods:
             for param in method.params:
                 check_ref(schema, param.type, method.where)
+        check_provider(schema, cls)
     return schema
+
+
+def check_provider(schema, cls):
+    if cls.handwritten and not cls.name.startswith("QRX_"):
+        raise SchemaError(cls.where, "only a vendor class has a provider to write by hand")
+    if cls.implements and not cls.generated_provider:
+        raise SchemaError(cls.implements_where, "%s has no generated backend to implement" % cls.name)
+    if not cls.generated_provider:
+        return
+    if not cls.keys:
+        raise SchemaError(cls.where, "%s has a generated provider and needs keys" % cls.name)
+    if cls.kind == "association":
+        if len(cls.references) != 2:
+            raise SchemaError(cls.where, "association %s with a generated provider needs "
+                                         "exactly two references" % cls.name)
+        for end in cls.ends:
+            target = schema.classes[end.type.ref_class]
+            if not target.generated_provider or target.kind == "association":
+                raise SchemaError(end.where, "%s ends at %s, which has no generated provider"
+                                  % (cls.name, target.name))
+    operations = cls.backend_operations()
+    for op in cls.implements:
+        if op not in operations:
+            raise SchemaError(cls.implements_where, "%s is not an operation of %s_Best"
+                              % (op, cls.name))
 
 
 def check_ref(schema, type_, where):

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Generates the model classes, the class tree and the MOF from the class
-schema.
+"""Generates the model classes, the class tree, the MOF, the backend
+declarations and the provider glue from the class schema.
 
   scimgen.py --schema DIR --check            check the schema only
   scimgen.py --schema DIR --out DIR --list   print the files it would write
@@ -17,12 +17,14 @@ import sys
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
+import gen_backend  # noqa: E402
 import gen_classes  # noqa: E402
 import gen_mof  # noqa: E402
+import gen_providers  # noqa: E402
 import gen_tree  # noqa: E402
 import schema as schema_module  # noqa: E402
 
-GENERATORS = (gen_classes, gen_tree, gen_mof)
+GENERATORS = (gen_classes, gen_tree, gen_mof, gen_backend, gen_providers)
 
 
 def outputs(schema):
