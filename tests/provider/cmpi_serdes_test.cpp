@@ -1,13 +1,9 @@
 // Model objects written into CMPI instances, object paths and values
 // through the in-process broker, and read back.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "cmpimacs.h"
@@ -17,40 +13,23 @@
 #include "provider/CMPIDeserializer.h"
 #include "provider/CMPISerializer.h"
 #include "tests/support/ModelText.h"
+#include "tests/support/TestEnvironment.h"
 #include "tools/cimhost/broker/TestBroker.h"
 
 namespace {
-
-const cimhost::ClassHierarchy& classes() {
-  static cimhost::ClassHierarchy* loaded = [] {
-    auto* hierarchy = new cimhost::ClassHierarchy;
-    std::string error;
-    if (!hierarchy->loadMofFile(QRX_HIERARCHY_MOF, &error)) {
-      ADD_FAILURE() << error;
-    }
-    return hierarchy;
-  }();
-  return *loaded;
-}
 
 class CmpiSerdes : public ::testing::TestWithParam<cimhost::BrokerMode> {
  protected:
   void SetUp() override {
     setenv("TZ", "UTC", 1);
     tzset();
-    char path[] = "/tmp/qrx_serdes_test.XXXXXX";
-    int fd = mkstemp(path);
-    ASSERT_GE(fd, 0);
-    close(fd);
-    ivTracePath = path;
-    trace_open(path);
-    ivBroker.reset(new cimhost::TestBroker(&classes(), GetParam()));
+    ivTrace.reset(new TraceCapture);
+    ivBroker.reset(new cimhost::TestBroker(&modelHierarchy(), GetParam()));
   }
 
   void TearDown() override {
     ivBroker.reset();
-    trace_close();
-    std::remove(ivTracePath.c_str());
+    ivTrace.reset();
   }
 
   const CMPIBroker* broker() { return ivBroker->broker(); }
@@ -59,15 +38,10 @@ class CmpiSerdes : public ::testing::TestWithParam<cimhost::BrokerMode> {
     return ivBroker->newInstance(ivBroker->newObjectPath(ns, className));
   }
 
-  std::string traced() const {
-    std::ifstream in(ivTracePath);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-  }
+  std::string traced() const { return ivTrace->text(); }
 
   std::unique_ptr<cimhost::TestBroker> ivBroker;
-  std::string ivTracePath;
+  std::unique_ptr<TraceCapture> ivTrace;
 };
 
 TEST_P(CmpiSerdes, EveryModelClassRoundTripsThroughInstancesAndPaths) {
@@ -296,7 +270,7 @@ INSTANTIATE_TEST_SUITE_P(BothBrokerVersions, CmpiSerdes,
                          });
 
 TEST(CmpiSerdesDeath, TypeCodeMismatchAborts) {
-  cimhost::TestBroker broker(&classes());
+  cimhost::TestBroker broker(&modelHierarchy());
   CMPIInstance* instance = broker.newInstance(broker.newObjectPath("root/qrx", "QRX_Switch"));
   EXPECT_DEATH(
       {
