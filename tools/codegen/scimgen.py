@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Generates the model classes, the class tree, the MOF, the backend
-declarations and the provider glue from the class schema.
+declarations, the provider glue and the switch daemon protocol from the
+class schema.
 
   scimgen.py --schema DIR --check            check the schema only
   scimgen.py --schema DIR --out DIR --list   print the files it would write
@@ -19,12 +20,14 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
 import gen_backend  # noqa: E402
 import gen_classes  # noqa: E402
+import gen_ipc  # noqa: E402
 import gen_mof  # noqa: E402
 import gen_providers  # noqa: E402
 import gen_tree  # noqa: E402
+import ipc_schema  # noqa: E402
 import schema as schema_module  # noqa: E402
 
-GENERATORS = (gen_classes, gen_tree, gen_mof, gen_backend, gen_providers)
+GENERATORS = (gen_classes, gen_tree, gen_mof, gen_backend, gen_providers, gen_ipc)
 
 
 def outputs(schema):
@@ -58,6 +61,7 @@ def main(argv):
     args = parser.parse_args(argv)
     try:
         schema = schema_module.load(args.schema)
+        schema.protocol = ipc_schema.load(args.schema)
     except schema_module.SchemaError as error:
         print("error: %s" % error, file=sys.stderr)
         return 1
