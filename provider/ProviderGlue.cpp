@@ -1,5 +1,15 @@
 #include "provider/ProviderGlue.h"
 
+bool fetchMethodArg(const CMPIArgs* ipIn, const char* ipName, CMPIData* opData, CMPIStatus* opRc) {
+  if (ipIn == nullptr) {
+    opRc->rc = CMPI_RC_ERR_NO_SUCH_PROPERTY;
+    opRc->msg = nullptr;
+    return false;
+  }
+  *opData = CMGetArg(ipIn, ipName, opRc);
+  return opRc->rc == CMPI_RC_OK;
+}
+
 bool addMethodStringArrayArg(const CMPIBroker* ipBroker, CMPIArgs* ipOut, const char* ipName,
                              const std::vector<std::string>& irValue, CMPIStatus* opRc) {
   CMPIValue value;

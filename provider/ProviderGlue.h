@@ -330,35 +330,30 @@ CMPIStatus referencesHelper(const CMPIResult* ipResult, const CMPIObjectPath* ip
 // ---------------------------------------------------------------------------
 // Method arguments
 
+// Gets the input argument `ipName`. False with `opRc` set when there are no
+// arguments or CMGetArg fails (a missing argument).
+bool fetchMethodArg(const CMPIArgs* ipIn, const char* ipName, CMPIData* opData, CMPIStatus* opRc);
+
 // Reads the input argument `ipName` of CMPI type `ipType` into `orValue`.
 // False with `opRc` set when it is missing or cannot be read.
 template <class T>
 bool readMethodArg(const CMPIArgs* ipIn, const char* ipName, CMPIType ipType, T& orValue,
                    CMPIStatus* opRc) {
-  if (ipIn == nullptr) {
-    opRc->rc = CMPI_RC_ERR_NO_SUCH_PROPERTY;
-    opRc->msg = nullptr;
-    return false;
-  }
-  CMPIData data = CMGetArg(ipIn, ipName, opRc);
-  if (opRc->rc != CMPI_RC_OK) return false;
+  CMPIData data;
+  if (!fetchMethodArg(ipIn, ipName, &data, opRc)) return false;
   CMPIDataDeserializer reader(data);
   reader.read(ipName, ipType, orValue);
   *opRc = reader.getStatus();
   return opRc->rc == CMPI_RC_OK;
 }
 
-// Reads the reference argument `ipName` into the key `orKey`.
+// Reads the reference argument `ipName` into the key `orKey`; a NULL
+// reference leaves the key empty, a value of another type is refused.
 template <class KeyT>
 bool readMethodRefArg(const CMPIArgs* ipIn, const char* ipName, KeyT& orKey, CMPIStatus* opRc) {
-  if (ipIn == nullptr) {
-    opRc->rc = CMPI_RC_ERR_NO_SUCH_PROPERTY;
-    opRc->msg = nullptr;
-    return false;
-  }
-  CMPIData data = CMGetArg(ipIn, ipName, opRc);
-  if (opRc->rc != CMPI_RC_OK) return false;
-  if (data.state != 0) return true;  // a NULL reference leaves the key empty
+  CMPIData data;
+  if (!fetchMethodArg(ipIn, ipName, &data, opRc)) return false;
+  if (data.state != 0) return true;
   if (data.type != CMPI_ref || data.value.ref == nullptr) {
     opRc->rc = CMPI_RC_ERR_TYPE_MISMATCH;
     opRc->msg = nullptr;

@@ -77,6 +77,14 @@ class SchemaErrors(unittest.TestCase):
         self.expect_error("class QRX_Thing : CIM_LogicalElement {\n  method M(inout uint8 X);\n}\n",
                           2, "expected 'in' or 'out'")
         self.expect_error("class QRX_Loose : CIM_Nowhere {\n}\n", 1, "superclass CIM_Nowhere")
+        self.expect_error("class QRX_Thing : CIM_LogicalElement {\n  keys Name;\n  string Name;\n"
+                          "  implements enumInstances, Frobnicate;\n}\n",
+                          4, "Frobnicate is not an operation of QRX_Thing_Best")
+        self.expect_error("handwritten class QRX_Thing : CIM_LogicalElement {\n  keys Name;\n"
+                          "  string Name;\n}\nassociation QRX_ThingInThing : CIM_Component {\n"
+                          "  keys GroupComponent, PartComponent;\n"
+                          "  QRX_Thing REF GroupComponent;\n  QRX_Thing REF PartComponent;\n}\n",
+                          7, "ends at QRX_Thing, which has no generated provider")
 
     def test_a_valid_schema_checks_clean(self):
         result = SchemaDir(tree=TREE, things=THING).run("--check")

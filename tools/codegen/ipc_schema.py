@@ -10,7 +10,7 @@ raise schema.SchemaError with file:line.
 
 import os
 
-from schema import Location, SchemaError, tokenize
+from schema import SchemaError, TokenReader
 
 # ipc type -> (C++ type, type code passed to the serializer)
 SCALARS = {
@@ -72,28 +72,10 @@ class Protocol:
         return None
 
 
-class Parser:
+class Parser(TokenReader):
     def __init__(self, path, text, protocol):
-        self.tokens, self.i, self.protocol = tokenize(path, text), 0, protocol
-
-    def peek(self):
-        return self.tokens[self.i][0]
-
-    def next(self):
-        tok = self.tokens[self.i]
-        self.i += 1
-        return tok
-
-    def expect(self, value):
-        tok, where = self.next()
-        if tok != value:
-            raise SchemaError(where, "expected %r, found %s" % (value, tok or "end of file"))
-
-    def ident(self, what):
-        tok, where = self.next()
-        if tok is None or not (tok[0].isalpha() or tok[0] == "_"):
-            raise SchemaError(where, "expected %s, found %s" % (what, tok or "end of file"))
-        return tok, where
+        TokenReader.__init__(self, path, text)
+        self.protocol = protocol
 
     def parse(self):
         while self.peek() is not None:
@@ -165,6 +147,4 @@ def load(directory):
         path = os.path.join(directory, name)
         with open(path, encoding="utf-8") as f:
             Parser(path, f.read(), protocol).parse()
-    if not protocol.calls:
-        raise SchemaError(Location(directory, 0), "no remote calls (.ipc files)")
     return protocol

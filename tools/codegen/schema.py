@@ -213,11 +213,12 @@ def tokenize(path, text):
     return tokens
 
 
-class Parser:
-    def __init__(self, path, text, schema):
+class TokenReader:
+    """The token cursor the schema readers share."""
+
+    def __init__(self, path, text):
         self.tokens = tokenize(path, text)
         self.i = 0
-        self.schema = schema
 
     def peek(self, k=0):
         return self.tokens[self.i + k][0]
@@ -241,6 +242,12 @@ class Parser:
         if tok is None or not re.match(r"[A-Za-z_]", tok):
             raise SchemaError(where, "expected %s, found %s" % (what, describe(tok)))
         return tok, where
+
+
+class Parser(TokenReader):
+    def __init__(self, path, text, schema):
+        TokenReader.__init__(self, path, text)
+        self.schema = schema
 
     def parse(self):
         while self.peek() is not None:

@@ -1,0 +1,67 @@
+// qrx-cim against the provider library itself: every operation kind reaches
+// the generated glue through the exported factories. Until the backends
+// serve a class, its answers are the failures the glue defines.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/cimhost/RunTool.h"
+
+namespace {
+
+using cimhost_test::runQrxCim;
+using cimhost_test::ToolRun;
+
+const char kSwitch[] = "QRX_Switch.CreationClassName=\"QRX_Switch\",Name=\"100000c0dd0c8f1e\"";
+const char kService[] =
+    "QRX_ZoneService.SystemCreationClassName=\"QRX_Fabric\",SystemName=\"f1\","
+    "CreationClassName=\"QRX_ZoneService\",Name=\"zoning\"";
+
+void expectFailure(const std::vector<std::string>& irArgs, const std::string& irLine) {
+  ToolRun run = runQrxCim(irArgs);
+  EXPECT_EQ(1, run.exitCode) << irArgs[0] << "\n" << run.err;
+  EXPECT_NE(std::string::npos, run.err.find(irLine)) << irArgs[0] << "\n" << run.err;
+}
+
+TEST(QrxCimLibrary, EveryOperationKindReachesTheGlue) {
+  ToolRun classes = runQrxCim({"classes"});
+  ASSERT_EQ(0, classes.exitCode) << classes.err;
+  EXPECT_NE(std::string::npos, classes.out.find("QRX_SwitchInFabric"));
+  EXPECT_NE(std::string::npos, classes.out.find("QRX_ZoneService"));
+
+  expectFailure({"ei", "QRX_Switch"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstances() failed");
+  expectFailure({"ein", "QRX_Fabric"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstanceNames() failed");
+  expectFailure({"gi", kSwitch}, "CMPI_RC_ERR_FAILED (1): backendGetInstance() failed");
+  expectFailure({"ci", "QRX_Switch", "CreationClassName=QRX_Switch", "Name=new"},
+                "CMPI_RC_ERR_FAILED (1): backendCreateInstance() failed");
+  expectFailure({"di", kSwitch}, "CMPI_RC_ERR_FAILED (1): QRX_Switch.backendDeleteInstance() failed");
+  expectFailure({"a", kSwitch, "--assoc-class", "QRX_SwitchInFabric"},
+                "CMPI_RC_ERR_FAILED (1): backendAssociatorsFor() failed");
+  expectFailure({"an", kSwitch, "--assoc-class", "QRX_PortInSwitch"},
+                "CMPI_RC_ERR_FAILED (1): backendAssociatorNamesFor() failed");
+  expectFailure({"r", kSwitch, "--result-class", "QRX_SwitchInFabric"},
+                "CMPI_RC_ERR_FAILED (1): backendReferencesFor() failed");
+  expectFailure({"rn", kSwitch, "--result-class", "QRX_SwitchInChassis"},
+                "CMPI_RC_ERR_FAILED (1): backendReferencesFor() failed");
+  expectFailure({"im", kService, "CreateZoneSet", "ZoneSetName=fabA"},
+                "CMPI_RC_ERR_FAILED (1): CreateZoneSet failed");
+
+  // Requests the glue answers without a backend.
+  ToolRun role = runQrxCim({"an", kSwitch, "--assoc-class", "QRX_SwitchInFabric", "--role",
+                            "GroupComponent"});
+  EXPECT_EQ(0, role.exitCode) << role.err;
+  EXPECT_EQ("", role.out);
+  ToolRun unknown = runQrxCim({"im", kService, "createZoneSet", "ZoneSetName=fabA"});
+  EXPECT_EQ(0, unknown.exitCode) << unknown.err;
+  EXPECT_NE(std::string::npos, unknown.out.find("ReturnValue = 1"));
+  ToolRun missing = runQrxCim({"im", kService, "CreateZone", "ZoneName=z"});
+  EXPECT_EQ(1, missing.exitCode);
+  EXPECT_NE(std::string::npos, missing.err.find("ERROR: Failed to read input var ZoneType"));
+  ToolRun stats = runQrxCim({"im", "QRX_SwitchFCPortStats.InstanceID=\"p1\"", "ResetSelectedStats",
+                             "SelectedStatistics:string[]=LinkFailures,InvalidCRC"});
+  EXPECT_EQ(1, stats.exitCode);
+  EXPECT_NE(std::string::npos, stats.err.find("ResetSelectedStats failed"));
+}
+
+}  // namespace
