@@ -1,0 +1,132 @@
+#include "common/mqueue/mqCS.h"
+
+#include <fcntl.h>
+#include <time.h>
+
+#include <cassert>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "common/base/trace.h"
+
+namespace fcbb {
+
+const char* const kDefaultQueuePrefix = "/CUID3570";
+const char* const kQueuePrefixEnv = "QRX_SMIS_QUEUE_PREFIX";
+const char* const kRequestQueueSuffix = "_stoc";
+const char* const kReplyQueueSuffix = "_ctos";
+const char* const kEventQueueName = "smis_ipc_ev";
+
+namespace {
+
+const char* const kUnit = "common/mqueue/mqCS";
+
+constexpr int kConnectAttempts = 6;
+constexpr long kConnectPauseNs = 10 * 1000 * 1000;
+
+void pause10ms() {
+  timespec left = {0, kConnectPauseNs};
+  while (nanosleep(&left, &left) != 0 && errno == EINTR) {
+  }
+}
+
+}  // namespace
+
+const char* queuePrefix() {
+  const char* prefix = std::getenv(kQueuePrefixEnv);
+  return (prefix != nullptr && prefix[0] != '\0') ? prefix : kDefaultQueuePrefix;
+}
+
+int message_queue_send(const void* ipBuffer, std::size_t iLen, mqd_t ipQueue) {
+  assert(iLen != 0);
+  if (mq_send(ipQueue, static_cast<const char*>(ipBuffer), iLen, 0) == 0) {
+    return static_cast<int>(iLen);
+  }
+  const int error = errno;
+  if (error == EAGAIN) return 0;
+  TRACE_ERROR(kUnit, "ERROR %i %s\n\n", error, std::strerror(error));
+  return -1;
+}
+
+int message_queue_receive(void* opBuffer, std::size_t iLen, mqd_t ipQueue) {
+  assert(iLen != 0);
+  const ssize_t length = mq_receive(ipQueue, static_cast<char*>(opBuffer), iLen, nullptr);
+  if (length >= 0) return static_cast<int>(length);
+  const int error = errno;
+  if (error == EAGAIN) return 0;
+  TRACE_ERROR(kUnit, "ERROR %i %s\n\n", error, std::strerror(error));
+  return -1;
+}
+
+// ---------------------------------------------------------------------------
+
+mqClient::mqClient() : ivMqDescriptor(-1) {}
+
+mqClient::~mqClient() { close(); }
+
+bool mqClient::connect(const std::string& irName) {
+  if (isConnected()) return true;
+  ivMqName = irName;
+  // The daemon may still be creating its queues: give it about 50 ms.
+  for (int attempt = 1; attempt <= kConnectAttempts; ++attempt) {
+    ivMqDescriptor = mq_open(ivMqName.c_str(), O_RDWR | O_NONBLOCK);
+    if (ivMqDescriptor != -1) return true;
+    if (attempt < kConnectAttempts) pause10ms();
+  }
+  const int error = errno;
+  TRACE_ERROR(kUnit, "connect error %s %s\n\n", ivMqName.c_str(), std::strerror(error));
+  return false;
+}
+
+int mqClient::send(const void* ipBuffer, std::size_t ipLen) {
+  return message_queue_send(ipBuffer, ipLen, ivMqDescriptor);
+}
+
+int mqClient::recv(void* opBuffer, std::size_t ipLen) {
+  return message_queue_receive(opBuffer, ipLen, ivMqDescriptor);
+}
+
+void mqClient::close() {
+  if (!isConnected()) return;
+  mq_close(ivMqDescriptor);
+  ivMqDescriptor = -1;
+}
+
+// ---------------------------------------------------------------------------
+
+mqServer::mqServer() : ivMqDescriptor(-1) {}
+
+mqServer::~mqServer() { close(); }
+
+bool mqServer::connect(const std::string& irName, std::size_t ipMsgSize, std::uint32_t ipMaxMsg) {
+  if (isConnected()) return true;
+  ivMqName = irName;
+  mq_attr attr;
+  std::memset(&attr, 0, sizeof(attr));
+  attr.mq_flags = O_NONBLOCK;
+  attr.mq_maxmsg = static_cast<long>(ipMaxMsg);
+  attr.mq_msgsize = static_cast<long>(ipMsgSize);
+  ivMqDescriptor = mq_open(ivMqName.c_str(), O_RDWR | O_CREAT | O_NONBLOCK, 0700, &attr);
+  if (ivMqDescriptor < 0) {
+    const int error = errno;
+    TRACE_ERROR(kUnit, "mq_maxmsg=%d mq_msgsize=%d\n", static_cast<int>(attr.mq_maxmsg),
+                static_cast<int>(attr.mq_msgsize));
+    TRACE_ERROR(kUnit, "connect error %s %s\n\n", ivMqName.c_str(), std::strerror(error));
+  }
+  assert(ivMqDescriptor>=0);
+  return true;
+}
+
+int mqServer::recv(void* opBuffer, std::size_t ipLen) {
+  return message_queue_receive(opBuffer, ipLen, ivMqDescriptor);
+}
+
+void mqServer::close() {
+  if (!isConnected()) return;
+  mq_close(ivMqDescriptor);
+  mq_unlink(ivMqName.c_str());
+  ivMqDescriptor = -1;
+}
+
+}  // namespace fcbb
