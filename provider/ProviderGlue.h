@@ -209,6 +209,45 @@ CMPIStatus associatorsForRight(bool ipWantInstances, const CMPIResult* ipResult,
   return associatorsFor<P, true>(ipWantInstances, ipResult, ipCop, ipProperties);
 }
 
+// A path of the association's own class in the namespace of `ipCop`.
+// When `ipFilter` is given, that class must be it or inherit from it. False
+// with `opRc` set ("Create CMPIObjectPath failed.", "Invalid assocClass").
+template <class P>
+bool assocClassPath(const CMPIObjectPath* ipCop, const char* ipFilter, CMPIObjectPath** opPath,
+                    CMPIStatus* opRc) {
+  const CMPIBroker* broker = P::assocBroker;
+  *opPath = CMNewObjectPath(broker, nameSpaceOf(ipCop), P::className, opRc);
+  if (*opPath == nullptr || opRc->rc != CMPI_RC_OK) {
+    setStatus(opRc, broker, CMPI_RC_ERR_FAILED, "Create CMPIObjectPath failed.");
+    return false;
+  }
+  if (ipFilter != nullptr && !CMClassPathIsA(broker, *opPath, ipFilter, opRc)) {
+    setStatus(opRc, broker, CMPI_RC_ERR_INVALID_PARAMETER, "Invalid assocClass");
+    return false;
+  }
+  *opRc = okStatus();
+  return true;
+}
+
+// The role of the end opposite the source. NULL with `opRc` OK when the
+// request does not concern this association (logged with `ipAsked`, the
+// class the client named), NULL with `opRc` set when the source fits no end.
+template <class P>
+const char* assocTarget(const CMPIObjectPath* ipCop, const char* ipAsked, const char* ipResultClass,
+                        const char* ipRole, const char* ipResultRole, CMPIStatus* opRc) {
+  const CMPIBroker* broker = P::assocBroker;
+  const char* leftClass = P::leftProviderT::className;
+  const char* rightClass = P::rightProviderT::className;
+  if (!assocCheckParameterConst(broker, ipCop, P::refLeft, P::refRight, leftClass, rightClass,
+                                ipResultClass, ipRole, ipResultRole, opRc)) {
+    TRACE_DEBUG("Check Params failed cop=%s ac=%s left=%s right=%s\n", objPathText(ipCop),
+                ipAsked != nullptr ? ipAsked : "", leftClass, rightClass);
+    *opRc = okStatus();
+    return nullptr;
+  }
+  return assocTargetName(broker, ipCop, leftClass, P::refLeft, rightClass, P::refRight, opRc);
+}
+
 // associators and associatorNames: checks the request against the
 // association's ends, then asks the backend for the opposite end. A request
 // that does not concern this association is an empty success (no
@@ -218,30 +257,10 @@ CMPIStatus associatorsHelper(const CMPIResult* ipResult, const CMPIObjectPath* i
                              const char* ipAssocClass, const char* ipResultClass,
                              const char* ipRole, const char* ipResultRole,
                              const char** ipProperties, bool ipWantInstances) {
-  const CMPIBroker* broker = P::assocBroker;
   CMPIStatus rc = okStatus();
-  if (ipAssocClass != nullptr) {
-    CMPIObjectPath* assocPath = CMNewObjectPath(broker, nameSpaceOf(ipCop), P::className, &rc);
-    if (assocPath == nullptr || rc.rc != CMPI_RC_OK) {
-      setStatus(&rc, broker, CMPI_RC_ERR_FAILED, "Create CMPIObjectPath failed.");
-      return rc;
-    }
-    if (!CMClassPathIsA(broker, assocPath, ipAssocClass, &rc)) {
-      setStatus(&rc, broker, CMPI_RC_ERR_INVALID_PARAMETER, "Invalid assocClass");
-      return rc;
-    }
-    rc = okStatus();
-  }
-  const char* leftClass = P::leftProviderT::className;
-  const char* rightClass = P::rightProviderT::className;
-  if (!assocCheckParameterConst(broker, ipCop, P::refLeft, P::refRight, leftClass, rightClass,
-                                ipResultClass, ipRole, ipResultRole, &rc)) {
-    TRACE_DEBUG("Check Params failed cop=%s ac=%s left=%s right=%s\n", objPathText(ipCop),
-                ipAssocClass != nullptr ? ipAssocClass : "", leftClass, rightClass);
-    return okStatus();
-  }
-  const char* target =
-      assocTargetName(broker, ipCop, leftClass, P::refLeft, rightClass, P::refRight, &rc);
+  CMPIObjectPath* assocPath = nullptr;
+  if (ipAssocClass != nullptr && !assocClassPath<P>(ipCop, ipAssocClass, &assocPath, &rc)) return rc;
+  const char* target = assocTarget<P>(ipCop, ipAssocClass, ipResultClass, ipRole, ipResultRole, &rc);
   if (target == nullptr) return rc;
   if (strcmp(target, P::refRight) == 0) {
     return associatorsForRight<P>(ipWantInstances, ipResult, ipCop, ipProperties);
@@ -278,28 +297,11 @@ CMPIStatus referencesHelper(const CMPIResult* ipResult, const CMPIObjectPath* ip
                             const char** ipProperties, bool ipWantInstances) {
   (void)ipProperties;  // accepted, deliberately not applied
   const CMPIBroker* broker = P::assocBroker;
-  CMPIStatus rc = okStatus();
   const char* nameSpace = nameSpaceOf(ipCop);
-  CMPIObjectPath* assocPath = CMNewObjectPath(broker, nameSpace, P::className, &rc);
-  if (assocPath == nullptr || rc.rc != CMPI_RC_OK) {
-    setStatus(&rc, broker, CMPI_RC_ERR_FAILED, "Create CMPIObjectPath failed.");
-    return rc;
-  }
-  if (ipResultClass != nullptr && !CMClassPathIsA(broker, assocPath, ipResultClass, &rc)) {
-    setStatus(&rc, broker, CMPI_RC_ERR_INVALID_PARAMETER, "Invalid assocClass");
-    return rc;
-  }
-  rc = okStatus();
-  const char* leftClass = P::leftProviderT::className;
-  const char* rightClass = P::rightProviderT::className;
-  if (!assocCheckParameterConst(broker, ipCop, P::refLeft, P::refRight, leftClass, rightClass,
-                                nullptr, ipRole, nullptr, &rc)) {
-    TRACE_DEBUG("Check Params failed cop=%s ac=%s left=%s right=%s\n", objPathText(ipCop),
-                ipResultClass != nullptr ? ipResultClass : "", leftClass, rightClass);
-    return okStatus();
-  }
-  const char* target =
-      assocTargetName(broker, ipCop, leftClass, P::refLeft, rightClass, P::refRight, &rc);
+  CMPIStatus rc = okStatus();
+  CMPIObjectPath* assocPath = nullptr;
+  if (!assocClassPath<P>(ipCop, ipResultClass, &assocPath, &rc)) return rc;
+  const char* target = assocTarget<P>(ipCop, ipResultClass, nullptr, ipRole, nullptr, &rc);
   if (target == nullptr) return rc;
   typename P::classArrayT assocs;
   if (!referencesHelper2<P>(ipCop, strcmp(target, P::refRight) == 0, assocs, &rc)) return rc;
