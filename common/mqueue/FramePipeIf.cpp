@@ -11,18 +11,16 @@ namespace fcbb {
 void Frame::reset(std::uint32_t ipAllocSize) {
   setReqId(0);
   setAllocSize(ipAllocSize);
-  setWord(8, kFrameHeaderSize);
+  used_size = kFrameHeaderSize;
   setWireNext(0);
   setNext(nullptr);
 }
 
 void Frame::setDataSize(std::uint32_t ipSize) {
-  // Named after the header fields: the failing text reads
-  // "alloc_size >= used_size".
-  const std::uint32_t alloc_size = allocSize();
-  const std::uint64_t used_size = std::uint64_t{ipSize} + kFrameHeaderSize;
-  assert(alloc_size >= used_size);
-  setWord(8, static_cast<std::uint32_t>(used_size));
+  const std::uint64_t wanted = std::uint64_t{ipSize} + kFrameHeaderSize;
+  // Compared before it is stored, so that a size past 32 bits cannot wrap.
+  assert(alloc_size >= wanted && "alloc_size >= used_size");
+  used_size = static_cast<std::uint32_t>(wanted);
 }
 
 FramePipeIf::~FramePipeIf() = default;

@@ -46,6 +46,17 @@ inline void encodeBigEndian32(unsigned char* opBytes, std::uint32_t ipValue) {
   opBytes[3] = static_cast<unsigned char>(ipValue);
 }
 
+// A 32-bit header word stored big-endian; reads and assigns as a number.
+struct BigEndian32 {
+  unsigned char bytes[4];
+
+  operator std::uint32_t() const { return decodeBigEndian32(bytes); }
+  BigEndian32& operator=(std::uint32_t ipValue) {
+    encodeBigEndian32(bytes, ipValue);
+    return *this;
+  }
+};
+
 // A view of the first bytes of a FrameBuffer; never constructed or copied,
 // only reached through FrameBuffer::frame() or a pipe's allocFrame().
 class Frame {
@@ -58,13 +69,13 @@ class Frame {
   // next word 0, no next frame.
   void reset(std::uint32_t ipAllocSize);
 
-  std::uint32_t reqId() const { return word(0); }
-  void setReqId(std::uint32_t ipId) { setWord(0, ipId); }
+  std::uint32_t reqId() const { return req_id; }
+  void setReqId(std::uint32_t ipId) { req_id = ipId; }
 
-  std::uint32_t allocSize() const { return word(4); }
-  void setAllocSize(std::uint32_t ipSize) { setWord(4, ipSize); }
+  std::uint32_t allocSize() const { return alloc_size; }
+  void setAllocSize(std::uint32_t ipSize) { alloc_size = ipSize; }
 
-  std::uint32_t usedSize() const { return word(8); }
+  std::uint32_t usedSize() const { return used_size; }
   std::uint32_t dataSize() const { return usedSize() - kFrameHeaderSize; }
   // Sets used_size to `ipSize` + 16; asserts "alloc_size >= used_size".
   void setDataSize(std::uint32_t ipSize);
@@ -76,17 +87,21 @@ class Frame {
   const unsigned char* data() const { return bytes() + kFrameHeaderSize; }
 
   // The header's next word as it is in the buffer.
-  std::uint32_t wireNext() const { return word(12); }
-  void setWireNext(std::uint32_t ipValue) { setWord(12, ipValue); }
+  std::uint32_t wireNext() const { return next_word; }
+  void setWireNext(std::uint32_t ipValue) { next_word = ipValue; }
 
   // The in-memory chain (kept outside the wire bytes, see above).
   inline Frame* next() const;
   inline void setNext(Frame* ipNext);
 
- private:
-  std::uint32_t word(std::size_t ipOffset) const { return decodeBigEndian32(bytes() + ipOffset); }
-  void setWord(std::size_t ipOffset, std::uint32_t ipValue) { encodeBigEndian32(bytes() + ipOffset, ipValue); }
+  // The header, under the names of its fields.
+  BigEndian32 req_id;
+  BigEndian32 alloc_size;
+  BigEndian32 used_size;
+  BigEndian32 next_word;
 };
+
+static_assert(sizeof(Frame) == kFrameHeaderSize, "a frame view is its header");
 
 // The storage of one frame: the chain pointer, then the frame's bytes.
 struct FrameBuffer {

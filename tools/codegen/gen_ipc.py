@@ -12,8 +12,7 @@ def record_decl(record):
     out = "// %s, encoded member by member in this order.\n" % n
     out += "class %s : public SCIMSerdesable {\n public:\n" % n
     for m in record.members:
-        init = "" if m.type.record or m.type.cpp in ("string_t", "string_tA", "datetime_t",
-                                                     "cuint16_A", "cuint64_A") else " = 0"
+        init = "" if m.type.cpp_is_class else " = 0"
         out += "  %s %s%s;\n" % (m.type.cpp, m.name, init)
     out += ("\n  static const cstring ivClassName;  // \"%s\"\n"
             "  const cstring& getClassName() const override { return ivClassName; }\n"

@@ -38,6 +38,12 @@ class IpcType:
         return SCALARS[self.name][0]
 
     @property
+    def cpp_is_class(self):
+        """False for the numbers, which need an initial value."""
+        return bool(self.record) or self.name in ("string", "datetime", "string[]",
+                                                  "uint16[]", "uint64[]")
+
+    @property
     def code(self):
         if self.record:
             return "CMPI_instanceA" if self.is_list else "CMPI_instance"

@@ -21,13 +21,16 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 import gen_backend  # noqa: E402
 import gen_classes  # noqa: E402
 import gen_ipc  # noqa: E402
+import gen_ipc_client  # noqa: E402
+import gen_ipc_dispatch  # noqa: E402
 import gen_mof  # noqa: E402
 import gen_providers  # noqa: E402
 import gen_tree  # noqa: E402
 import ipc_schema  # noqa: E402
 import schema as schema_module  # noqa: E402
 
-GENERATORS = (gen_classes, gen_tree, gen_mof, gen_backend, gen_providers, gen_ipc)
+GENERATORS = (gen_classes, gen_tree, gen_mof, gen_backend, gen_providers, gen_ipc,
+              gen_ipc_client, gen_ipc_dispatch)
 
 
 def outputs(schema):

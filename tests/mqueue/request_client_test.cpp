@@ -1,0 +1,305 @@
+// The request client over an in-memory pipe that plays the daemon from a
+// script: it keeps every request's bytes and answers each with the next
+// scripted reply, split into frames as the daemon would send it.
+#include <gtest/gtest.h>
+#include <sched.h>
+
+#include <algorithm>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common/base/PerfSamples.h"
+#include "common/base/SCIMSerdes.h"
+#include "generated/smis_ipc/smis_ipc_client.h"
+
+namespace {
+
+using fcbb::Frame;
+using fcbb::FrameBuffer;
+using Bytes = std::vector<unsigned char>;
+
+// Encodes values with the binary serializer, for requests and replies.
+template <typename Fill>
+Bytes encode(Fill ipFill) {
+  Bytes buffer(1 << 20);
+  SCIMSerializer serializer(buffer.data(), buffer.size());
+  ipFill(serializer);
+  EXPECT_FALSE(serializer.hasError());
+  buffer.resize(serializer.getWrittenLen());
+  return buffer;
+}
+
+Bytes statusOnly(cuint32 ipStatus) {
+  return encode([&](SCIMSerializer& s) { s.write("status", CMPI_uint32, ipStatus); });
+}
+
+class ScriptedPipe : public fcbb::FramePipeIf {
+ public:
+  struct Reply {
+    Bytes data;            // status and results
+    std::uint32_t reqIdSkew = 0;
+  };
+
+  ~ScriptedPipe() override {
+    for (Frame* f : ivInbox) freeFrame(f);
+  }
+
+  void script(Bytes ipData, std::uint32_t ipSkew = 0) {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    ivScript.push_back(Reply{std::move(ipData), ipSkew});
+  }
+
+  bool open(const char*) override { return true; }
+  void close() override {}
+  unsigned int getMaxFrameSize() const override { return fcbb::kMaxFrameSize; }
+
+  Frame* allocFrame(unsigned int ipSize) override {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    if (ivOutOfFrames) return nullptr;
+    ++ivOutstanding;
+    auto* storage = new FrameBuffer();
+    storage->frame()->reset(ipSize);
+    return storage->frame();
+  }
+
+  void freeFrame(Frame* ipFrame) override {
+    while (ipFrame != nullptr) {
+      Frame* next = ipFrame->next();
+      delete FrameBuffer::of(ipFrame);
+      std::lock_guard<std::mutex> lock(ivMutex);
+      --ivOutstanding;
+      ipFrame = next;
+    }
+  }
+
+  // Keeps the request and queues the scripted reply, one frame per at
+  // most 8176 data bytes, wire next word 1 on all but the last.
+  int send(const Frame* ipFrame) override {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    if (ivInFlight) ivOverlapped = true;
+    ivInFlight = true;
+    ivRequests.emplace_back(ipFrame->data(), ipFrame->data() + ipFrame->dataSize());
+    ivReqIds.push_back(ipFrame->reqId());
+    Reply reply = std::move(ivScript.front());
+    ivScript.pop_front();
+    const std::size_t room = fcbb::kMaxFrameSize - fcbb::kFrameHeaderSize;
+    std::size_t offset = 0;
+    do {
+      const std::size_t part = std::min(room, reply.data.size() - offset);
+      auto* storage = new FrameBuffer();
+      ++ivOutstanding;
+      Frame* frame = storage->frame();
+      frame->reset(fcbb::kMaxFrameSize);
+      frame->req_id = ipFrame->reqId() + reply.reqIdSkew;
+      std::copy(reply.data.begin() + offset, reply.data.begin() + offset + part, frame->data());
+      frame->setDataSize(static_cast<std::uint32_t>(part));
+      offset += part;
+      frame->setWireNext(offset < reply.data.size() ? 1 : 0);
+      ivInbox.push_back(frame);
+    } while (offset < reply.data.size());
+    return static_cast<int>(ipFrame->usedSize());
+  }
+
+  // Empty for the first few polls of every reply, so that a second caller
+  // has time to get in if the client let it.
+  int recvNonBlock(Frame*& orFrame) override {
+    orFrame = nullptr;
+    std::lock_guard<std::mutex> lock(ivMutex);
+    if (ivInbox.empty() || ++ivPolls % 4 != 0) return 0;
+    orFrame = ivInbox.front();
+    ivInbox.pop_front();
+    if (ivInbox.empty()) ivInFlight = false;
+    return static_cast<int>(orFrame->usedSize());
+  }
+
+  void recvDone(Frame* ipFrame) override { freeFrame(ipFrame); }
+
+  std::mutex ivMutex;
+  std::deque<Reply> ivScript;
+  std::deque<Frame*> ivInbox;
+  std::vector<Bytes> ivRequests;
+  std::vector<std::uint32_t> ivReqIds;
+  int ivOutstanding = 0;
+  unsigned ivPolls = 0;
+  bool ivOutOfFrames = false;
+  bool ivInFlight = false;
+  bool ivOverlapped = false;
+};
+
+TEST(RequestClientTest, RequestBytesResultsAndTiming) {
+  ScriptedPipe pipe;
+  rs_api_client_mq client(pipe);
+  scim_clear_perfdata();
+
+  pipe.script(encode([](SCIMSerializer& s) {
+    s.write("status", CMPI_uint32, cuint32{0});
+    s.write("Name", CMPI_string, std::string("100000051e0a0b0c"));
+  }));
+  std::string name;
+  ASSERT_EQ(0, client.get_switch_name(name));
+  EXPECT_EQ("100000051e0a0b0c", name);
+
+  // Arguments follow the function name in table order; a member record is
+  // its two fields. Checked byte by byte against the wire layout.
+  pipe.script(statusOnly(0));
+  zone_member_data_t member;
+  member.member_type = 2;
+  member.member_id = "W";
+  ASSERT_EQ(0, client.add_zone_member("zs", "Z1", member));
+  const std::string function = "rs_api_add_zone_member";
+  Bytes expected = {0, 0, 0, static_cast<unsigned char>(function.size())};
+  expected.insert(expected.end(), function.begin(), function.end());
+  const Bytes rest = {0, 0, 0, 2, 'z', 's', 0, 0, 0, 0, 2, 'Z', '1', 0, 0, 2, 0, 0, 0, 1, 'W', 0};
+  expected.insert(expected.end(), 0);
+  expected.insert(expected.end(), rest.begin(), rest.end());
+  ASSERT_EQ(2u, pipe.ivRequests.size());
+  EXPECT_EQ(expected, pipe.ivRequests[1]);
+  EXPECT_EQ((std::vector<std::uint32_t>{0, 1}), pipe.ivReqIds);
+
+  // A reply with several results fills all of them.
+  zone_t zone;
+  zone.name = "Z1";
+  zone.member_list.push_back(member);
+  zoneset_t zoneSet;
+  zoneSet.name = "ZS";
+  zoneSet.zone_names = {"Z1"};
+  pipe.script(encode([&](SCIMSerializer& s) {
+    s.write("status", CMPI_uint32, cuint32{0});
+    s.write("ZoneList", CMPI_instanceA, zone_tA{zone});
+    s.write("AliasList", CMPI_instanceA, alias_tA{});
+    s.write("ZonesetList", CMPI_instanceA, zoneset_tA{zoneSet});
+  }));
+  zone_tA zones;
+  alias_tA aliases{alias_t()};
+  zoneset_tA zoneSets;
+  ASSERT_EQ(0, client.session_start("zs", zones, aliases, zoneSets));
+  EXPECT_EQ(zone_tA{zone}, zones);
+  EXPECT_TRUE(aliases.empty());
+  EXPECT_EQ(zoneset_tA{zoneSet}, zoneSets);
+
+  ScimPerfEntry entry;
+  ASSERT_TRUE(scim_get_perfentry("rs_api_client_mq.get_switch_name", entry));
+  EXPECT_EQ(1u, entry.NumSamples);
+  EXPECT_TRUE(scim_get_perfentry("rs_api_client_mq.add_zone_member", entry));
+  EXPECT_EQ(0, pipe.ivOutstanding);
+}
+
+TEST(RequestClientTest, FailuresLeaveTheOutputUntouched) {
+  ScriptedPipe pipe;
+  rs_api_client_mq client(pipe);
+  switch_info_t info;
+  info.name = "before";
+
+  pipe.script(statusOnly(32770));  // the daemon's status, passed on
+  EXPECT_EQ(32770, client.get_switch_info(info));
+  EXPECT_EQ("before", info.name);
+
+  // Status 0 but a result cut short: a local failure, nothing assigned.
+  Bytes truncated = encode([](SCIMSerializer& s) {
+    s.write("status", CMPI_uint32, cuint32{0});
+    s.write("name", CMPI_string, std::string("sw"));
+  });
+  pipe.script(truncated);
+  EXPECT_EQ(-1, client.get_switch_info(info));
+  EXPECT_EQ("before", info.name);
+
+  pipe.script(Bytes{0, 0});  // no whole status word
+  EXPECT_EQ(-1, client.get_switch_info(info));
+
+  // Arguments that do not fit one request frame are not sent.
+  const std::size_t sentBefore = pipe.ivRequests.size();
+  EXPECT_EQ(-1, client.create_zone("zs", std::string(9000, 'z')));
+  EXPECT_EQ(sentBefore, pipe.ivRequests.size());
+
+  // No free frame: nothing is sent.
+  pipe.ivOutOfFrames = true;
+  EXPECT_EQ(-1, client.get_switch_info(info));
+  EXPECT_EQ(sentBefore, pipe.ivRequests.size());
+  EXPECT_EQ("before", info.name);
+  EXPECT_EQ(0, pipe.ivOutstanding);
+}
+
+TEST(RequestClientTest, ChainedReplyIsJoinedBeforeDecoding) {
+  ScriptedPipe pipe;
+  rs_api_client_mq client(pipe);
+  string_tA names;
+  for (int i = 0; i < 1500; ++i) names.push_back("node-" + std::to_string(i) + "-20000025b5aa0001");
+  const Bytes reply = encode([&](SCIMSerializer& s) {
+    s.write("status", CMPI_uint32, cuint32{0});
+    s.write("NodeNames", CMPI_stringA, names);
+  });
+  ASSERT_GT(reply.size(), 2u * (fcbb::kMaxFrameSize - fcbb::kFrameHeaderSize));
+  pipe.script(reply);
+  string_tA received;
+  ASSERT_EQ(0, client.get_node_names(received));
+  EXPECT_EQ(names, received);
+  EXPECT_EQ(0, pipe.ivOutstanding);
+}
+
+TEST(RequestClientTest, JoiningCopiesEveryPartInOrder) {
+  FrameBuffer a, b;
+  Frame* first = a.frame();
+  Frame* second = b.frame();
+  first->reset(fcbb::kMaxFrameSize);
+  second->reset(fcbb::kMaxFrameSize);
+  first->req_id = 7;
+  first->data()[0] = 'x';
+  first->setDataSize(1);
+  second->data()[0] = 'y';
+  second->data()[1] = 'z';
+  second->setDataSize(2);
+  EXPECT_EQ(first, rs_api_client_mq::makeSingleFrame(first));
+  first->setNext(second);
+  Frame* joined = rs_api_client_mq::makeSingleFrame(first);
+  ASSERT_NE(first, joined);
+  EXPECT_EQ(7u, joined->reqId());
+  EXPECT_EQ(19u, joined->usedSize());
+  EXPECT_EQ(19u, joined->allocSize());
+  EXPECT_EQ(nullptr, joined->next());
+  EXPECT_EQ("xyz", std::string(reinterpret_cast<const char*>(joined->data()), 3));
+  rs_api_client_mq::freeSingleFrame(joined);
+}
+
+TEST(RequestClientTest, ConcurrentCallsAreSerialisedAndNumberedInOrder) {
+  ScriptedPipe pipe;
+  rs_api_client_mq client(pipe);
+  constexpr int kCallsPerThread = 300;
+  for (int i = 0; i < 2 * kCallsPerThread; ++i) {
+    pipe.script(encode([](SCIMSerializer& s) {
+      s.write("status", CMPI_uint32, cuint32{0});
+      s.write("Software", CMPI_instance, [] {
+        software_info_t software;
+        software.version = "9.1.0";
+        return software;
+      }());
+    }));
+  }
+  auto caller = [&client](int* opFailures) {
+    for (int i = 0; i < kCallsPerThread; ++i) {
+      software_info_t software;
+      if (client.get_software_info(software) != 0 || software.version != "9.1.0") ++*opFailures;
+    }
+  };
+  int failures[2] = {0, 0};
+  std::thread one(caller, &failures[0]);
+  std::thread two(caller, &failures[1]);
+  one.join();
+  two.join();
+  EXPECT_EQ(0, failures[0] + failures[1]);
+  EXPECT_FALSE(pipe.ivOverlapped);
+  ASSERT_EQ(2u * kCallsPerThread, pipe.ivReqIds.size());
+  for (std::uint32_t i = 0; i < pipe.ivReqIds.size(); ++i) ASSERT_EQ(i, pipe.ivReqIds[i]);
+}
+
+TEST(RequestClientDeathTest, ReplyToAnotherRequestIsFatal) {
+  ScriptedPipe pipe;
+  rs_api_client_mq client(pipe);
+  pipe.script(statusOnly(0), 1);
+  std::string name;
+  EXPECT_DEATH(client.get_switch_name(name), "ipIn->req_id == \\(\\*opOut\\)->req_id");
+}
+
+}  // namespace

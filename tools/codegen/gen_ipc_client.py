@@ -1,0 +1,123 @@
+"""The request client of the switch daemon protocol.
+
+smis_ipc/smis_ipc_client.h   rs_api_client (one pure virtual per call, in
+                             order) and rs_api_client_mq, its implementation
+smis_ipc/smis_ipc_client.cpp one definition per call over
+                             rs_api_client_mq::exchange (written by hand)
+"""
+
+from gen_classes import BANNER
+from gen_ipc import SOURCE
+
+
+def arg_decl(field):
+    return "%s %s" % (field.type.cpp, field.name)
+
+
+def signature(call, qualified=""):
+    params = [arg_decl(a) for a in call.args] + ["%s& %s" % (r.type.cpp, r.name) for r in call.results]
+    return "int %s%s(%s)" % (qualified, call.name, ", ".join(params))
+
+
+CLIENT_HEADER = """\
+#ifndef QRX_GENERATED_SMIS_IPC_SMIS_IPC_CLIENT_H_
+#define QRX_GENERATED_SMIS_IPC_SMIS_IPC_CLIENT_H_
+
+#include <cstdint>
+#include <functional>
+
+#include "common/base/Mutex.h"
+#include "common/mqueue/FramePipeIf.h"
+#include "generated/smis_ipc/smis_ipc.h"
+
+// The remote calls of the switch daemon, one operation each. Every call
+// answers 0 on success, -1 on a local failure (no frame, no memory, a
+// reply that does not decode), a negative transport result, or the
+// daemon's own non-zero status. Results are written only on success.
+// The same interface serves the daemon's side (smis_ipc_dispatch.h), where
+// the status is what the implementation returns.
+class rs_api_client {
+ public:
+%s
+  virtual ~rs_api_client() {}
+};
+
+// The client over a frame pipe: each call sends one request frame (the
+// function name "rs_api_<call>" and the arguments) and waits, without time
+// limit and holding ivLock, for the reply (a 32-bit status, then on 0 the
+// results). One call is in flight at a time; requests are numbered in
+// order. Each exchange is timed under "rs_api_client_mq.<call>".
+class rs_api_client_mq : public rs_api_client {
+ public:
+  explicit rs_api_client_mq(fcbb::FramePipeIf& irFramePipe);
+
+%s
+  // Sends `ipIn` numbered with the next request number and waits for the
+  // complete reply chain in *opOut. Returns 0, or the negative send result.
+  // Asserts that the reply answers this request.
+  int execIpc(fcbb::Frame* ipIn, fcbb::Frame** opOut);
+
+  // `ipFrame` itself when it is a single frame; otherwise one allocated
+  // frame holding the data of the whole chain in order (req_id from the
+  // first frame, alloc_size = used_size = the total), or null without
+  // memory. A result that differs from `ipFrame` goes back through
+  // freeSingleFrame().
+  static fcbb::Frame* makeSingleFrame(fcbb::Frame* ipFrame);
+  static void freeSingleFrame(fcbb::Frame* ipFrame);
+
+ protected:
+  // One remote call: writes the function name and `irArgs`, exchanges, and
+  // on a zero status reads the results with `irResults`.
+  int exchange(const char* ipTag, const char* ipFunction,
+               const std::function<void(SCIMSerializerIf&)>& irArgs,
+               const std::function<void(SCIMDeserializerIf&)>& irResults);
+
+  fcbb::FramePipeIf& ivrFramePipe;
+  fcbb::Mutex ivLock;
+  std::uint32_t ivReqIdNr;
+};
+
+#endif  // QRX_GENERATED_SMIS_IPC_SMIS_IPC_CLIENT_H_
+"""
+
+
+def client_header(protocol):
+    virtuals = "\n".join("  virtual %s = 0;" % signature(c) for c in protocol.calls)
+    overrides = "\n".join("  %s override;" % signature(c) for c in protocol.calls)
+    return BANNER % SOURCE + CLIENT_HEADER % (virtuals, overrides)
+
+
+def call_source(call):
+    out = "%s {\n" % signature(call, "rs_api_client_mq::")
+    for r in call.results:
+        out += "  %s read%s%s;\n" % (r.type.cpp, r.name, "" if r.type.cpp_is_class else "{}")
+    writes = "".join("        serializer.write(\"%s\", %s, %s);\n" % (a.name, a.type.code, a.name)
+                     for a in call.args)
+    reads = "".join("        deserializer.read(\"%s\", %s, read%s);\n" % (r.name, r.type.code, r.name)
+                    for r in call.results)
+    out += "  int rc = exchange(\n      \"rs_api_client_mq.%s\", \"rs_api_%s\",\n" % (call.name, call.name)
+    out += "      [&](SCIMSerializerIf& serializer) {\n%s%s      },\n" % (
+        "        (void)serializer;\n" if not writes else "", writes)
+    out += "      [&](SCIMDeserializerIf& deserializer) {\n%s%s      });\n" % (
+        "        (void)deserializer;\n" if not reads else "", reads)
+    if call.results:
+        out += "  if (rc == 0) {\n"
+        out += "".join("    %s = std::move(read%s);\n" % (r.name, r.name) for r in call.results)
+        out += "  }\n"
+    out += "  return rc;\n}\n\n"
+    return out
+
+
+def client_source(protocol):
+    out = BANNER % SOURCE
+    out += "#include \"generated/smis_ipc/smis_ipc_client.h\"\n\n#include <utility>\n\n"
+    out += "".join(call_source(c) for c in protocol.calls)
+    return out.rstrip("\n") + "\n"
+
+
+def generate(schema):
+    protocol = schema.protocol
+    return {
+        "smis_ipc/smis_ipc_client.h": client_header(protocol),
+        "smis_ipc/smis_ipc_client.cpp": client_source(protocol),
+    }
