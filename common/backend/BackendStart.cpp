@@ -6,13 +6,12 @@
 #include "common/base/trace.h"
 
 fcbb::DaemonPipe* pipeClient = nullptr;
+FabricCache* fabricCache = nullptr;
 
 namespace {
 
 const char* const kUnit = "common/backend/BackendStart";
 const char* const kPipeName = "smis_ipc";
-
-rs_api_client_mq* requestClient = nullptr;
 
 bool startOnce() {
   trace_open(trace_default_path());
@@ -25,8 +24,9 @@ bool startOnce() {
     pipeClient = nullptr;
     return false;
   }
-  requestClient = new rs_api_client_mq(*pipeClient);
-  assert(requestClient);
+  fabricCache = new FabricCache(*pipeClient);
+  assert(fabricCache);
+  fabricCache->initCache();
   trace_log(false, "Info: init provider and backend lib successfully\n");
   return true;
 }
@@ -40,4 +40,4 @@ bool backendStart() {
   return started;
 }
 
-rs_api_client* get_rs_api_client() { return requestClient; }
+rs_api_client* get_rs_api_client() { return fabricCache; }

@@ -8,22 +8,25 @@
 #ifndef QRX_COMMON_BACKEND_BACKENDSTART_H_
 #define QRX_COMMON_BACKEND_BACKENDSTART_H_
 
+#include "common/backend/FabricCache.h"
 #include "common/mqueue/FramePipeMqTmpl.h"
 #include "generated/smis_ipc/smis_ipc_client.h"
 
 // The pipe to the daemon's queues "smis_ipc"; null before start-up.
 extern fcbb::DaemonPipe* pipeClient;
+// The fabric cache, which is also the request client; null before start-up.
+extern FabricCache* fabricCache;
 
 // In order: opens the trace file (trace_default_path()), creates pipeClient
-// and opens it with the name "smis_ipc", creates the request client over it
-// and writes "Info: init provider and backend lib successfully". When the
+// and opens it with the name "smis_ipc", creates the fabric cache over it,
+// fills it and writes "Info: init provider and backend lib successfully". When the
 // daemon's queues are not there it writes "Could not open mq smis_ipc",
 // closes and deletes the pipe and returns false. Runs once per process;
 // later calls return the first call's result.
 bool backendStart();
 
-// The one request client of the process, through which every backend
-// reaches the daemon; null until backendStart() has succeeded.
+// The one request client of the process (the fabric cache), through which
+// every backend reaches the daemon; null until backendStart() succeeded.
 rs_api_client* get_rs_api_client();
 
 #endif  // QRX_COMMON_BACKEND_BACKENDSTART_H_

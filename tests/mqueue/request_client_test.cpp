@@ -14,12 +14,13 @@
 #include "common/base/PerfSamples.h"
 #include "common/base/SCIMSerdes.h"
 #include "generated/smis_ipc/smis_ipc_client.h"
+#include "tests/support/InMemoryPipe.h"
 
 namespace {
 
 using fcbb::Frame;
 using fcbb::FrameBuffer;
-using Bytes = std::vector<unsigned char>;
+using qrxtest::Bytes;
 
 // Encodes values with the binary serializer, for requests and replies.
 template <typename Fill>
@@ -36,97 +37,26 @@ Bytes statusOnly(cuint32 ipStatus) {
   return encode([&](SCIMSerializer& s) { s.write("status", CMPI_uint32, ipStatus); });
 }
 
-class ScriptedPipe : public fcbb::FramePipeIf {
+// Answers each request with the next scripted reply.
+class ScriptedPipe : public qrxtest::InMemoryPipe {
  public:
-  struct Reply {
-    Bytes data;            // status and results
-    std::uint32_t reqIdSkew = 0;
-  };
-
-  ~ScriptedPipe() override {
-    for (Frame* f : ivInbox) freeFrame(f);
-  }
-
   void script(Bytes ipData, std::uint32_t ipSkew = 0) {
     std::lock_guard<std::mutex> lock(ivMutex);
-    ivScript.push_back(Reply{std::move(ipData), ipSkew});
+    ivScript.push_back({std::move(ipData), ipSkew});
   }
 
-  bool open(const char*) override { return true; }
-  void close() override {}
-  unsigned int getMaxFrameSize() const override { return fcbb::kMaxFrameSize; }
-
-  Frame* allocFrame(unsigned int ipSize) override {
+ protected:
+  Bytes answer(const Bytes&, std::uint32_t& orReqIdSkew) override {
     std::lock_guard<std::mutex> lock(ivMutex);
-    if (ivOutOfFrames) return nullptr;
-    ++ivOutstanding;
-    auto* storage = new FrameBuffer();
-    storage->frame()->reset(ipSize);
-    return storage->frame();
-  }
-
-  void freeFrame(Frame* ipFrame) override {
-    while (ipFrame != nullptr) {
-      Frame* next = ipFrame->next();
-      delete FrameBuffer::of(ipFrame);
-      std::lock_guard<std::mutex> lock(ivMutex);
-      --ivOutstanding;
-      ipFrame = next;
-    }
-  }
-
-  // Keeps the request and queues the scripted reply, one frame per at
-  // most 8176 data bytes, wire next word 1 on all but the last.
-  int send(const Frame* ipFrame) override {
-    std::lock_guard<std::mutex> lock(ivMutex);
-    if (ivInFlight) ivOverlapped = true;
-    ivInFlight = true;
-    ivRequests.emplace_back(ipFrame->data(), ipFrame->data() + ipFrame->dataSize());
-    ivReqIds.push_back(ipFrame->reqId());
-    Reply reply = std::move(ivScript.front());
+    Bytes reply = std::move(ivScript.front().first);
+    orReqIdSkew = ivScript.front().second;
     ivScript.pop_front();
-    const std::size_t room = fcbb::kMaxFrameSize - fcbb::kFrameHeaderSize;
-    std::size_t offset = 0;
-    do {
-      const std::size_t part = std::min(room, reply.data.size() - offset);
-      auto* storage = new FrameBuffer();
-      ++ivOutstanding;
-      Frame* frame = storage->frame();
-      frame->reset(fcbb::kMaxFrameSize);
-      frame->req_id = ipFrame->reqId() + reply.reqIdSkew;
-      std::copy(reply.data.begin() + offset, reply.data.begin() + offset + part, frame->data());
-      frame->setDataSize(static_cast<std::uint32_t>(part));
-      offset += part;
-      frame->setWireNext(offset < reply.data.size() ? 1 : 0);
-      ivInbox.push_back(frame);
-    } while (offset < reply.data.size());
-    return static_cast<int>(ipFrame->usedSize());
+    return reply;
   }
 
-  // Empty for the first few polls of every reply, so that a second caller
-  // has time to get in if the client let it.
-  int recvNonBlock(Frame*& orFrame) override {
-    orFrame = nullptr;
-    std::lock_guard<std::mutex> lock(ivMutex);
-    if (ivInbox.empty() || ++ivPolls % 4 != 0) return 0;
-    orFrame = ivInbox.front();
-    ivInbox.pop_front();
-    if (ivInbox.empty()) ivInFlight = false;
-    return static_cast<int>(orFrame->usedSize());
-  }
-
-  void recvDone(Frame* ipFrame) override { freeFrame(ipFrame); }
-
+ private:
   std::mutex ivMutex;
-  std::deque<Reply> ivScript;
-  std::deque<Frame*> ivInbox;
-  std::vector<Bytes> ivRequests;
-  std::vector<std::uint32_t> ivReqIds;
-  int ivOutstanding = 0;
-  unsigned ivPolls = 0;
-  bool ivOutOfFrames = false;
-  bool ivInFlight = false;
-  bool ivOverlapped = false;
+  std::deque<std::pair<Bytes, std::uint32_t>> ivScript;
 };
 
 TEST(RequestClientTest, RequestBytesResultsAndTiming) {
@@ -155,9 +85,9 @@ TEST(RequestClientTest, RequestBytesResultsAndTiming) {
   const Bytes rest = {0, 0, 0, 2, 'z', 's', 0, 0, 0, 0, 2, 'Z', '1', 0, 0, 2, 0, 0, 0, 1, 'W', 0};
   expected.insert(expected.end(), 0);
   expected.insert(expected.end(), rest.begin(), rest.end());
-  ASSERT_EQ(2u, pipe.ivRequests.size());
-  EXPECT_EQ(expected, pipe.ivRequests[1]);
-  EXPECT_EQ((std::vector<std::uint32_t>{0, 1}), pipe.ivReqIds);
+  ASSERT_EQ(2u, pipe.requests().size());
+  EXPECT_EQ(expected, pipe.requests()[1]);
+  EXPECT_EQ((std::vector<std::uint32_t>{0, 1}), pipe.reqIds());
 
   // A reply with several results fills all of them.
   zone_t zone;
@@ -184,7 +114,7 @@ TEST(RequestClientTest, RequestBytesResultsAndTiming) {
   ASSERT_TRUE(scim_get_perfentry("rs_api_client_mq.get_switch_name", entry));
   EXPECT_EQ(1u, entry.NumSamples);
   EXPECT_TRUE(scim_get_perfentry("rs_api_client_mq.add_zone_member", entry));
-  EXPECT_EQ(0, pipe.ivOutstanding);
+  EXPECT_EQ(0, pipe.outstanding());
 }
 
 TEST(RequestClientTest, FailuresLeaveTheOutputUntouched) {
@@ -210,16 +140,16 @@ TEST(RequestClientTest, FailuresLeaveTheOutputUntouched) {
   EXPECT_EQ(-1, client.get_switch_info(info));
 
   // Arguments that do not fit one request frame are not sent.
-  const std::size_t sentBefore = pipe.ivRequests.size();
+  const std::size_t sentBefore = pipe.requests().size();
   EXPECT_EQ(-1, client.create_zone("zs", std::string(9000, 'z')));
-  EXPECT_EQ(sentBefore, pipe.ivRequests.size());
+  EXPECT_EQ(sentBefore, pipe.requests().size());
 
   // No free frame: nothing is sent.
-  pipe.ivOutOfFrames = true;
+  pipe.setOutOfFrames(true);
   EXPECT_EQ(-1, client.get_switch_info(info));
-  EXPECT_EQ(sentBefore, pipe.ivRequests.size());
+  EXPECT_EQ(sentBefore, pipe.requests().size());
   EXPECT_EQ("before", info.name);
-  EXPECT_EQ(0, pipe.ivOutstanding);
+  EXPECT_EQ(0, pipe.outstanding());
 }
 
 TEST(RequestClientTest, ChainedReplyIsJoinedBeforeDecoding) {
@@ -236,7 +166,7 @@ TEST(RequestClientTest, ChainedReplyIsJoinedBeforeDecoding) {
   string_tA received;
   ASSERT_EQ(0, client.get_node_names(received));
   EXPECT_EQ(names, received);
-  EXPECT_EQ(0, pipe.ivOutstanding);
+  EXPECT_EQ(0, pipe.outstanding());
 }
 
 TEST(RequestClientTest, JoiningCopiesEveryPartInOrder) {
@@ -289,9 +219,10 @@ TEST(RequestClientTest, ConcurrentCallsAreSerialisedAndNumberedInOrder) {
   one.join();
   two.join();
   EXPECT_EQ(0, failures[0] + failures[1]);
-  EXPECT_FALSE(pipe.ivOverlapped);
-  ASSERT_EQ(2u * kCallsPerThread, pipe.ivReqIds.size());
-  for (std::uint32_t i = 0; i < pipe.ivReqIds.size(); ++i) ASSERT_EQ(i, pipe.ivReqIds[i]);
+  EXPECT_FALSE(pipe.overlapped());
+  const std::vector<std::uint32_t> ids = pipe.reqIds();
+  ASSERT_EQ(2u * kCallsPerThread, ids.size());
+  for (std::uint32_t i = 0; i < ids.size(); ++i) ASSERT_EQ(i, ids[i]);
 }
 
 TEST(RequestClientDeathTest, ReplyToAnotherRequestIsFatal) {

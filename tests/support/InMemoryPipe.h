@@ -1,0 +1,82 @@
+// A frame pipe that plays the switch daemon inside the test process.
+//
+// Each request sent is handed to answer(), whose reply data (a status and
+// the results) comes back as the daemon would send it: split into frames
+// of at most 8176 data bytes, wire next word 1 on all but the last, req_id
+// copied from the request (plus an optional skew). Frames are counted, so
+// a test can check that every one came back. Thread-safe.
+#ifndef QRX_TESTS_SUPPORT_INMEMORYPIPE_H_
+#define QRX_TESTS_SUPPORT_INMEMORYPIPE_H_
+
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <vector>
+
+#include "common/mqueue/FramePipeIf.h"
+#include "generated/smis_ipc/smis_ipc_client.h"
+
+namespace qrxtest {
+
+using Bytes = std::vector<unsigned char>;
+
+class InMemoryPipe : public fcbb::FramePipeIf {
+ public:
+  ~InMemoryPipe() override;
+
+  bool open(const char*) override { return true; }
+  void close() override {}
+  unsigned int getMaxFrameSize() const override { return fcbb::kMaxFrameSize; }
+  fcbb::Frame* allocFrame(unsigned int ipSize) override;
+  void freeFrame(fcbb::Frame* ipFrame) override;
+  int send(const fcbb::Frame* ipFrame) override;
+  // Empty for the first three polls of every frame, so that a second
+  // caller has time to get in if the client let it.
+  int recvNonBlock(fcbb::Frame*& orFrame) override;
+  void recvDone(fcbb::Frame* ipFrame) override { freeFrame(ipFrame); }
+
+  // Frames handed out and not yet returned.
+  int outstanding();
+  // Every request's data and req_id, in order.
+  std::vector<Bytes> requests();
+  std::vector<std::uint32_t> reqIds();
+  // True once a request was sent while the previous reply was unread.
+  bool overlapped();
+  // allocFrame() answers null while set.
+  void setOutOfFrames(bool ipOut);
+
+ protected:
+  // The reply data for a request's data; `orReqIdSkew` is added to the
+  // reply's req_id.
+  virtual Bytes answer(const Bytes& irRequest, std::uint32_t& orReqIdSkew) = 0;
+
+ private:
+  std::mutex ivMutex;
+  std::deque<fcbb::Frame*> ivInbox;
+  std::vector<Bytes> ivRequests;
+  std::vector<std::uint32_t> ivReqIds;
+  int ivOutstanding = 0;
+  unsigned ivPolls = 0;
+  bool ivOutOfFrames = false;
+  bool ivInFlight = false;
+  bool ivOverlapped = false;
+};
+
+// Answers every request with rs_api_dispatch() over `irDaemon`, an
+// implementation of the calls that stands for the daemon. An unknown
+// function, undecodable arguments or a reply over 8 MiB answer status
+// 0xFFFF with no payload.
+class DispatchPipe : public InMemoryPipe {
+ public:
+  explicit DispatchPipe(rs_api_client& irDaemon) : ivDaemon(irDaemon) {}
+
+ protected:
+  Bytes answer(const Bytes& irRequest, std::uint32_t& orReqIdSkew) override;
+
+ private:
+  rs_api_client& ivDaemon;
+};
+
+}  // namespace qrxtest
+
+#endif  // QRX_TESTS_SUPPORT_INMEMORYPIPE_H_
