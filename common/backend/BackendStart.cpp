@@ -3,6 +3,7 @@
 #include <cassert>
 #include <mutex>
 
+#include "common/backend/BackendInd.h"
 #include "common/base/trace.h"
 
 fcbb::DaemonPipe* pipeClient = nullptr;
@@ -26,7 +27,10 @@ bool startOnce() {
   }
   fabricCache = new FabricCache(*pipeClient);
   assert(fabricCache);
-  fabricCache->initCache();
+  // The event thread fills the cache before it takes events.
+  backendInd = new BackendInd(*fabricCache);
+  assert(backendInd);
+  if (!backendInd->startThread()) TRACE_ERROR(kUnit, "Could not start the event thread\n");
   trace_log(false, "Info: init provider and backend lib successfully\n");
   return true;
 }
@@ -41,3 +45,10 @@ bool backendStart() {
 }
 
 rs_api_client* get_rs_api_client() { return fabricCache; }
+
+void backendStop() {
+  if (backendInd == nullptr) return;
+  backendInd->terminateThread(false);
+  delete backendInd;
+  backendInd = nullptr;
+}

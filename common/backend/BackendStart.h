@@ -19,11 +19,15 @@ extern FabricCache* fabricCache;
 
 // In order: opens the trace file (trace_default_path()), creates pipeClient
 // and opens it with the name "smis_ipc", creates the fabric cache over it,
-// fills it and writes "Info: init provider and backend lib successfully". When the
+// starts the event thread (backendInd, which fills the cache) and writes "Info: init provider and backend lib successfully". When the
 // daemon's queues are not there it writes "Could not open mq smis_ipc",
 // closes and deletes the pipe and returns false. Runs once per process;
 // later calls return the first call's result.
 bool backendStart();
+
+// Stops the event thread (at unload: it must not outlive the code). The
+// pipe and the cache stay for whatever still runs.
+void backendStop();
 
 // The one request client of the process (the fabric cache), through which
 // every backend reaches the daemon; null until backendStart() succeeded.

@@ -7,3 +7,5 @@
 __attribute__((constructor)) static void initLib() {
   if (!backendStart()) std::exit(-1);
 }
+
+__attribute__((destructor)) static void finiLib() { backendStop(); }

@@ -1,17 +1,51 @@
-// qrx-cim against the provider library itself: every operation kind reaches
+// qrx-cim against the provider library itself, with the simulated switch
+// serving in this process under a private queue prefix: the library starts
+// only when the switch daemon is there, and every operation kind reaches
 // the generated glue through the exported factories. Until the backends
 // serve a class, its answers are the failures the glue defines.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "tests/cimhost/RunTool.h"
+#include "tests/support/TraceCapture.h"
+#include "tools/switchsim/Simulator.h"
 
 namespace {
 
 using cimhost_test::runQrxCim;
 using cimhost_test::ToolRun;
+
+// The library's trace file, private to this test (children inherit it).
+class LibraryTrace : public TraceCapture {
+ public:
+  LibraryTrace() { setenv("QRX_SMIS_TRACE_FILE", path().c_str(), 1); }
+};
+
+TEST(QrxCimLibrary, StartsOnlyWhenTheSwitchDaemonIsThere) {
+  LibraryTrace trace;
+  setenv("QRX_SMIS_QUEUE_PREFIX", ("/qrxlibtest" + std::to_string(getpid())).c_str(), 1);
+  ToolRun absent = runQrxCim({"classes"});
+  EXPECT_EQ(255, absent.exitCode) << absent.err;
+  EXPECT_TRUE(trace.contains("ERROR: Could not open mq smis_ipc\n"));
+  EXPECT_FALSE(trace.contains("Info: init provider"));
+
+  switchsim::Simulator sim(switchsim::FabricModel::builtIn());
+  std::string error;
+  ASSERT_TRUE(sim.start(&error)) << error;
+  ToolRun present = runQrxCim({"classes"});
+  EXPECT_EQ(0, present.exitCode) << present.err;
+  EXPECT_TRUE(trace.contains("Info: init provider and backend lib successfully\n"));
+  // The event thread filled the fabric cache before the library unloaded.
+  bool asked = false;
+  for (const std::string& line : sim.requestLog()) {
+    asked = asked || line.find("function=rs_api_get_switch_fc_port_info") != std::string::npos;
+  }
+  EXPECT_TRUE(asked);
+}
 
 const char kSwitch[] = "QRX_Switch.CreationClassName=\"QRX_Switch\",Name=\"100000c0dd0c8f1e\"";
 const char kService[] =
@@ -25,6 +59,11 @@ void expectFailure(const std::vector<std::string>& irArgs, const std::string& ir
 }
 
 TEST(QrxCimLibrary, EveryOperationKindReachesTheGlue) {
+  LibraryTrace trace;
+  setenv("QRX_SMIS_QUEUE_PREFIX", ("/qrxlibtest" + std::to_string(getpid())).c_str(), 1);
+  switchsim::Simulator sim(switchsim::FabricModel::builtIn());
+  std::string error;
+  ASSERT_TRUE(sim.start(&error)) << error;
   ToolRun classes = runQrxCim({"classes"});
   ASSERT_EQ(0, classes.exitCode) << classes.err;
   EXPECT_NE(std::string::npos, classes.out.find("QRX_SwitchInFabric"));
@@ -57,7 +96,7 @@ TEST(QrxCimLibrary, EveryOperationKindReachesTheGlue) {
   EXPECT_NE(std::string::npos, unknown.out.find("ReturnValue = 1"));
   ToolRun missing = runQrxCim({"im", kService, "CreateZone", "ZoneName=z"});
   EXPECT_EQ(1, missing.exitCode);
-  EXPECT_NE(std::string::npos, missing.err.find("ERROR: Failed to read input var ZoneType"));
+  EXPECT_TRUE(trace.contains("ERROR: Failed to read input var ZoneType"));
   ToolRun stats = runQrxCim({"im", "QRX_SwitchFCPortStats.InstanceID=\"p1\"", "ResetSelectedStats",
                              "SelectedStatistics:string[]=LinkFailures,InvalidCRC"});
   EXPECT_EQ(1, stats.exitCode);
