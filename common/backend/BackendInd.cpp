@@ -119,31 +119,30 @@ void BackendInd::handleEvent(const EventRecord& irEvent, const EventRecord* ipNe
 
 int BackendInd::handleFabricChange(const EventRecord& irEvent) {
   const int kind = ivrCache.cacheAndRefreshFabric();
-  if (kind == CHANGE_FLAG_NONE) {
-    TRACE_DEBUG("Ignore fabric event=%d\n", static_cast<int>(irEvent.code));
-  } else if (ChangeListener* listener = ivListener.load()) {
-    listener->fabricChanged(kind);
-  }
+  if (ChangeListener* listener = changed(kind, "fabric", irEvent)) listener->fabricChanged(kind);
   return kind;
 }
 
 int BackendInd::handleSwitchChange(const EventRecord& irEvent) {
   const int kind = ivrCache.cacheAndRefreshSwitch();
-  if (kind == CHANGE_FLAG_NONE) {
-    TRACE_DEBUG("Ignore switch event=%d\n", static_cast<int>(irEvent.code));
-  } else if (ChangeListener* listener = ivListener.load()) {
-    listener->switchChanged(kind);
-  }
+  if (ChangeListener* listener = changed(kind, "switch", irEvent)) listener->switchChanged(kind);
   return kind;
 }
 
 int BackendInd::handlePortChange(const EventRecord& irEvent) {
   const int port = static_cast<int>(irEvent.port);
   const int kind = ivrCache.cacheAndRefreshSwitchPort(port);
-  if (kind == CHANGE_FLAG_NONE) {
-    TRACE_DEBUG("Ignore switch port event=%d\n", static_cast<int>(irEvent.code));
-  } else if (ChangeListener* listener = ivListener.load()) {
+  if (ChangeListener* listener = changed(kind, "switch port", irEvent)) {
     listener->portChanged(kind, port);
   }
   return kind;
+}
+
+BackendInd::ChangeListener* BackendInd::changed(int ipKind, const char* ipWhat,
+                                                const EventRecord& irEvent) {
+  if (ipKind == CHANGE_FLAG_NONE) {
+    TRACE_DEBUG("Ignore %s event=%d\n", ipWhat, static_cast<int>(irEvent.code));
+    return nullptr;
+  }
+  return ivListener.load();
 }

@@ -71,6 +71,9 @@ class BackendInd : public fcbb::Thread {
   // One turn of the loop: receive a message, else handle an event. False
   // when there was nothing to do.
   bool step(unsigned char* ipBuffer);
+  // The listener to tell about a change of `ipKind`, or null when there is
+  // none or nothing changed ("Ignore <what> event=<code>" is logged then).
+  ChangeListener* changed(int ipKind, const char* ipWhat, const EventRecord& irEvent);
 
   FabricCache& ivrCache;
   std::atomic<ChangeListener*> ivListener{nullptr};

@@ -46,6 +46,11 @@ bool backendStart() {
 
 rs_api_client* get_rs_api_client() { return fabricCache; }
 
+FabricCache* get_fabric_cache() {
+  if (fabricCache == nullptr) TRACE_ERROR(kUnit, "no connection to the switch daemon\n");
+  return fabricCache;
+}
+
 void backendStop() {
   if (backendInd == nullptr) return;
   backendInd->terminateThread(false);

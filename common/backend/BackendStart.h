@@ -25,6 +25,10 @@ extern FabricCache* fabricCache;
 // later calls return the first call's result.
 bool backendStart();
 
+// The fabric cache, or null (with an error logged) before start-up: the
+// backends' way to the switch.
+FabricCache* get_fabric_cache();
+
 // Stops the event thread (at unload: it must not outlive the code). The
 // pipe and the cache stay for whatever still runs.
 void backendStop();

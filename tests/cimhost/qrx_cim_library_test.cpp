@@ -69,9 +69,10 @@ TEST(QrxCimLibrary, EveryOperationKindReachesTheGlue) {
   EXPECT_NE(std::string::npos, classes.out.find("QRX_SwitchInFabric"));
   EXPECT_NE(std::string::npos, classes.out.find("QRX_ZoneService"));
 
-  expectFailure({"ei", "QRX_Switch"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstances() failed");
-  expectFailure({"ein", "QRX_Fabric"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstanceNames() failed");
+  expectFailure({"ei", "QRX_Chassis"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstances() failed");
+  expectFailure({"ein", "QRX_Node"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstanceNames() failed");
   expectFailure({"gi", kSwitch}, "CMPI_RC_ERR_FAILED (1): backendGetInstance() failed");
+  EXPECT_TRUE(trace.contains("ERROR: Key missmatch 100000c0dd0c8f1e vs. "));
   expectFailure({"ci", "QRX_Switch", "CreationClassName=QRX_Switch", "Name=new"},
                 "CMPI_RC_ERR_FAILED (1): backendCreateInstance() failed");
   expectFailure({"di", kSwitch}, "CMPI_RC_ERR_FAILED (1): QRX_Switch.backendDeleteInstance() failed");
@@ -101,6 +102,42 @@ TEST(QrxCimLibrary, EveryOperationKindReachesTheGlue) {
                              "SelectedStatistics:string[]=LinkFailures,InvalidCRC"});
   EXPECT_EQ(1, stats.exitCode);
   EXPECT_NE(std::string::npos, stats.err.find("ResetSelectedStats failed"));
+}
+
+// The fabric, the switch and its ports, as the simulated switch has them.
+TEST(QrxCimLibrary, SwitchFabricAndPortsFromTheSimulatedSwitch) {
+  LibraryTrace trace;
+  setenv("QRX_SMIS_QUEUE_PREFIX", ("/qrxlibtest" + std::to_string(getpid())).c_str(), 1);
+  const switchsim::FabricModel model = switchsim::FabricModel::builtIn();
+  switchsim::Simulator sim(model);
+  std::string error;
+  ASSERT_TRUE(sim.start(&error)) << error;
+
+  const std::string name = model.switchInfo.name;
+  ToolRun sw = runQrxCim({"ei", "QRX_Switch"});
+  ASSERT_EQ(0, sw.exitCode) << sw.err;
+  EXPECT_NE(std::string::npos, sw.out.find("Name = \"" + name + "\""));
+  ToolRun got = runQrxCim(
+      {"gi", "QRX_Switch.CreationClassName=\"QRX_Switch\",Name=\"" + name + "\""});
+  EXPECT_EQ(0, got.exitCode) << got.err;
+  EXPECT_EQ(sw.out, got.out);
+
+  ToolRun fabric = runQrxCim({"ein", "QRX_Fabric"});
+  ASSERT_EQ(0, fabric.exitCode) << fabric.err;
+  EXPECT_NE(std::string::npos, fabric.out.find("Name=\"" + model.fabric.name + "\""));
+
+  ToolRun ports = runQrxCim({"ein", "QRX_SwitchFCPort"});
+  ASSERT_EQ(0, ports.exitCode) << ports.err;
+  std::vector<std::string> paths;
+  std::string::size_type at = 0;
+  for (std::string::size_type end; (end = ports.out.find('\n', at)) != std::string::npos; at = end + 1) {
+    paths.push_back(ports.out.substr(at, end - at));
+  }
+  ASSERT_EQ(model.ports.size(), paths.size()) << ports.out;
+  ToolRun port = runQrxCim({"gi", paths.back()});
+  EXPECT_EQ(0, port.exitCode) << port.err;
+  EXPECT_NE(std::string::npos, port.out.find("PortNumber = " +
+                                             std::to_string(model.ports.back().info.port_index)));
 }
 
 }  // namespace
