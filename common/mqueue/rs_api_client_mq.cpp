@@ -21,8 +21,7 @@ rs_api_client_mq::rs_api_client_mq(fcbb::FramePipeIf& irFramePipe)
 int rs_api_client_mq::execIpc(fcbb::Frame* ipIn, fcbb::Frame** opOut) {
   fcbb::MutexLock lock(ivLock);
   ipIn->req_id = ivReqIdNr++;
-  bool sent;
-  while (!(sent = ivrFramePipe.sendBlock(ipIn))) sched_yield();
+  while (!ivrFramePipe.sendBlock(ipIn)) sched_yield();
   const int received = ivrFramePipe.recvBlock(*opOut);
   if (received < 0) return received;
   assert(ipIn->req_id == (*opOut)->req_id);
