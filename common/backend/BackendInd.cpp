@@ -38,12 +38,19 @@ BackendInd::BackendInd(FabricCache& irCache) : ivrCache(irCache) {}
 
 BackendInd::~BackendInd() { terminateThread(false); }
 
+bool BackendInd::waitUntilFilled(unsigned ipTimeoutMs) {
+  if (!ivFilled.timedWait(fcbb::Time() + ipTimeoutMs)) return false;
+  ivFilled.post();  // for the next waiter
+  return true;
+}
+
 void BackendInd::run() {
   std::unique_ptr<unsigned char[]> recv_buffer(new unsigned char[fcbb::kMaxFrameSize]);
   assert(recv_buffer);
   ivMqServer.connect(std::string(fcbb::queuePrefix()) + fcbb::kEventQueueName, fcbb::kMaxFrameSize,
                      fcbb::kFramePoolSize);
   ivrCache.initCache();
+  ivFilled.post();
   unsigned idle = 0;
   while (!isRequestTerminate()) {
     if (step(recv_buffer.get())) {

@@ -30,7 +30,9 @@
 
 #include "common/backend/EventRecord.h"
 #include "common/backend/FabricCache.h"
+#include "common/base/Semaphore.h"
 #include "common/base/Thread.h"
+#include "common/base/Time.h"
 #include "common/mqueue/FramePipeMq.h"
 #include "common/mqueue/mqCS.h"
 
@@ -56,6 +58,10 @@ class BackendInd : public fcbb::Thread {
   // Whether the zone database is closing a session; set before the start.
   void setClosingSessionCheck(std::function<bool()> ipCheck) { ivIsClosingSession = std::move(ipCheck); }
 
+  // Waits until the thread has filled the cache, at most `ipTimeoutMs`;
+  // false on timeout. Any number of threads may wait.
+  bool waitUntilFilled(unsigned ipTimeoutMs);
+
   // Handles `irEvent`; `ipNext` is the event queued behind it, or null.
   void handleEvent(const EventRecord& irEvent, const EventRecord* ipNext);
   // The three refreshes; each returns the change kind it found.
@@ -80,6 +86,7 @@ class BackendInd : public fcbb::Thread {
   std::function<bool()> ivIsClosingSession;
   fcbb::mqServer ivMqServer;
   std::deque<EventRecord> ivVkswEventQ;  // only the event thread touches it
+  fcbb::Semaphore ivFilled;              // posted once the cache is filled
 };
 
 // The event thread of the process, made and started at library start.

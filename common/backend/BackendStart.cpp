@@ -13,6 +13,7 @@ namespace {
 
 const char* const kUnit = "common/backend/BackendStart";
 const char* const kPipeName = "smis_ipc";
+const unsigned kFillTimeoutMs = 30000;
 
 bool startOnce() {
   trace_open(trace_default_path());
@@ -30,7 +31,13 @@ bool startOnce() {
   // The event thread fills the cache before it takes events.
   backendInd = new BackendInd(*fabricCache);
   assert(backendInd);
-  if (!backendInd->startThread()) TRACE_ERROR(kUnit, "Could not start the event thread\n");
+  // Providers answer from the cache: wait for the first fill, but do not
+  // let a daemon that does not answer hold the object manager forever.
+  if (!backendInd->startThread()) {
+    TRACE_ERROR(kUnit, "Could not start the event thread\n");
+  } else if (!backendInd->waitUntilFilled(kFillTimeoutMs)) {
+    TRACE_ERROR(kUnit, "The fabric cache was not filled within %u ms\n", kFillTimeoutMs);
+  }
   trace_log(false, "Info: init provider and backend lib successfully\n");
   return true;
 }

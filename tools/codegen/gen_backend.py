@@ -6,7 +6,9 @@ operations, for an association the three operations of each reference role
 scimbackend/<C>_Best.cpp defines the singleton and every operation the
 schema does not list under `implements`: those answer that the backend does
 not offer them (false; a method result of 1). The listed ones are defined by
-hand in common/backend/.
+hand in common/backend/. A backend whose enumInstances is written by hand
+gets its other read operations from that list (see
+common/backend/ListedInstances.h), each unless it is listed too.
 """
 
 from gen_classes import BANNER, header_path as class_header
@@ -106,7 +108,8 @@ def header(cls):
             "// and are filled by appending.\n" % n)
     out += "class %s_Best {\n public:\n" % n
     out += "  static %s_Best singleton;\n" % n
-    out += "  static constexpr const char* className = \"%s\";\n\n" % n
+    out += "  static constexpr const char* className = \"%s\";\n" % n
+    out += "  typedef %s_Array Array;\n  typedef %s_KeyArray KeyArray;\n\n" % (n, n)
     for ret, name, params in declarations(cls):
         out += "  %s %s(%s);\n" % (ret, name, params)
     if cls.kind == "association":
@@ -120,12 +123,47 @@ def unnamed(params):
     return ", ".join(p.rsplit(" ", 1)[0] for p in params.split(", "))
 
 
+def derived_bodies(cls):
+    """{operation: body} of the read operations answered from the listed instances."""
+    n = cls.name
+    bodies = {
+        "enumInstanceNames": "listed_instances::names<%s_Array>(*this, out)" % n,
+        "getInstance": "listed_instances::get<%s_Array>(*this, key, out)" % n,
+    }
+    if cls.kind != "association":
+        return {op: body for op, body in bodies.items() if op not in cls.implements}
+    left, right = cls.ends
+    for end, source in ((left, right), (right, left)):
+        members = "&%s::%s, &%s::%s" % (n, source.name, n, end.name)
+        bodies["referencesFor" + end.name] = (
+            "listed_instances::references<%s_Array>(*this, &%s::%s, source, out)"
+            % (n, n, source.name))
+        bodies["associatorNamesFor" + end.name] = (
+            "listed_instances::associatorNames<%s_Array>(*this, %s, source, out)" % (n, members))
+        bodies["associatorsFor" + end.name] = (
+            "listed_instances::associators<%s_Array>(*this, %s_Best::singleton, %s, source, out)"
+            % (n, end.type.ref_class, members))
+    return {op: body for op, body in bodies.items() if op not in cls.implements}
+
+
 def source(cls):
     n = cls.name
+    derived = derived_bodies(cls) if "enumInstances" in cls.implements else {}
     out = BANNER % ("schema/" + cls.source)
     out += "#include \"%s\"\n\n" % header_path(n)
+    if derived:
+        out += "#include \"common/backend/ListedInstances.h\"\n"
+        ends = cls.ends if cls.kind == "association" else ()
+        for end in sorted({e.type.ref_class for e in ends}):
+            out += "#include \"%s\"\n" % header_path(end)
+        out += "\n"
     out += "%s_Best %s_Best::singleton;\n" % (n, n)
-    missing = [d for d in declarations(cls) if d[1] not in cls.implements]
+    if derived:
+        out += "\n// Read operations answered from the instances enumInstances lists.\n"
+    for ret, name, params in declarations(cls):
+        if name in derived:
+            out += "%s %s_Best::%s(%s) {\n  return %s;\n}\n" % (ret, n, name, params, derived[name])
+    missing = [d for d in declarations(cls) if d[1] not in cls.implements and d[1] not in derived]
     if missing:
         out += "\n// Operations this backend does not offer: the glue reports the failure.\n"
     for ret, name, params in missing:

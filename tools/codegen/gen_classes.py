@@ -57,12 +57,27 @@ def array_block(name, element, cim_name, comment):
             "};\n\n") % (comment, name, element, element, name, cim_name)
 
 
-def header(cls):
+def model_superclass(cls, schema):
+    """The superclass when it is a model class whose properties cls repeats."""
+    parent = schema.classes.get(cls.superclass)
+    if parent is None or parent.has_embedded or cls.has_embedded:
+        return None
+    names = {p.name for p in cls.modelled}
+    if not all(p.name in names for p in parent.modelled):
+        return None
+    return parent
+
+
+def header(cls, schema):
     n = cls.name
+    parent = model_superclass(cls, schema)
     out = BANNER % ("schema/" + cls.source)
     out += "#ifndef %s\n#define %s\n\n" % (guard(n), guard(n))
     out += "#include <vector>\n\n#include \"common/base/SCIMCommon.h\"\n"
-    for target in sorted({p.type.ref_class for p in cls.references}):
+    included = {p.type.ref_class for p in cls.references}
+    if parent is not None:
+        included.add(parent.name)
+    for target in sorted(included):
         if target != n:
             out += "#include \"%s\"\n" % header_path(target)
     out += "\nclass %s;\n\n" % n
@@ -83,6 +98,10 @@ def header(cls):
     if not cls.has_embedded:
         out += "bool operator==(const %s& a, const %s& b);\n" % (n, n)
         out += "inline bool operator!=(const %s& a, const %s& b) { return !(a == b); }\n" % (n, n)
+    if parent is not None:
+        out += ("\n// The properties of `object` that %s declares, as a %s.\n"
+                "void copyToSuperclass(const %s& object, %s& out);\n") % (
+                    parent.name, parent.name, n, parent.name)
     out += "\n#endif  // %s\n" % guard(n)
     return out
 
@@ -109,7 +128,7 @@ def unused(props, var):
     return "" if props else "  (void)%s;\n" % var
 
 
-def source(cls):
+def source(cls, schema):
     n = cls.name
     keys = cls.key_properties
     props = cls.modelled
@@ -139,6 +158,11 @@ def source(cls):
     out += equality(n + "_Key", keys)
     if not cls.has_embedded:
         out += equality(n, props)
+    parent = model_superclass(cls, schema)
+    if parent is not None:
+        out += "void copyToSuperclass(const %s& object, %s& out) {\n" % (n, parent.name)
+        out += "".join("  out.%s = object.%s;\n" % (p.name, p.name) for p in parent.modelled)
+        out += "}\n"
     return out.rstrip("\n") + "\n"
 
 
@@ -154,6 +178,6 @@ def generate(schema):
     """Returns {relative output path: text}."""
     files = {"scimclasses.h": umbrella(schema)}
     for name, cls in schema.classes.items():
-        files["scimclasses/%s.h" % name] = header(cls)
-        files["scimclasses/%s.cpp" % name] = source(cls)
+        files["scimclasses/%s.h" % name] = header(cls, schema)
+        files["scimclasses/%s.cpp" % name] = source(cls, schema)
     return files

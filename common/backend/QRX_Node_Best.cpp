@@ -1,0 +1,29 @@
+// The nodes logged in to the fabric through the switch, one instance per
+// node name (its WWN).
+#include "generated/scimbackend/QRX_Node_Best.h"
+
+#include "common/backend/BackendStart.h"
+#include "common/base/trace.h"
+
+namespace {
+const char* const kUnit = "common/backend/QRX_Node_Best";
+}  // namespace
+
+bool QRX_Node_Best::enumInstances(QRX_Node_Array& out) {
+  FabricCache* cache = get_fabric_cache();
+  if (cache == nullptr) return false;
+  string_tA names;
+  if (cache->get_node_names(names) != 0) {
+    TRACE_ERROR(kUnit, "Failed to get node names\n");
+    return false;
+  }
+  for (const std::string& name : names) {
+    QRX_Node node;
+    node.InstanceID = name;
+    node.Name = name;
+    node.NameFormat = "WWN";
+    node.ElementName = name;
+    out.push_back(node);
+  }
+  return true;
+}
