@@ -4,9 +4,11 @@
 #include "generated/scimbackend/QRX_SANActiveConnection_Best.h"
 
 #include "common/backend/BackendStart.h"
+#include "common/backend/ListedInstances.h"
 #include "common/backend/PortEndpoints.h"
 #include "common/backend/SwitchRecords.h"
 #include "common/base/trace.h"
+#include "generated/scimbackend/QRX_SANProtocolEndpoint_Best.h"
 
 namespace {
 const char* const kUnit = "common/backend/QRX_SANActiveConnection_Best";
@@ -53,4 +55,63 @@ bool QRX_SANActiveConnection_Best::enumInstances(QRX_SANActiveConnection_Array& 
     }
   }
   return true;
+}
+
+// Both ends are protocol endpoints, and the glue cannot tell at which end a
+// source endpoint stands: each operation answers for the source at either
+// end, which for a link that runs both ways is the same question.
+namespace {
+
+using Connection = QRX_SANActiveConnection;
+using EndpointKey = QRX_SANProtocolEndpoint_Key;
+
+bool referencesAtEitherEnd(const EndpointKey& irSource, QRX_SANActiveConnection_Array& orOut) {
+  auto& backend = QRX_SANActiveConnection_Best::singleton;
+  return listed_instances::references(backend, &Connection::Antecedent, irSource, orOut) &&
+         listed_instances::references(backend, &Connection::Dependent, irSource, orOut);
+}
+
+bool namesAtEitherEnd(const EndpointKey& irSource, QRX_SANProtocolEndpoint_KeyArray& orOut) {
+  auto& backend = QRX_SANActiveConnection_Best::singleton;
+  return listed_instances::associatorNames<QRX_SANActiveConnection_Array>(
+             backend, &Connection::Antecedent, &Connection::Dependent, irSource, orOut) &&
+         listed_instances::associatorNames<QRX_SANActiveConnection_Array>(
+             backend, &Connection::Dependent, &Connection::Antecedent, irSource, orOut);
+}
+
+bool objectsAtEitherEnd(const EndpointKey& irSource, QRX_SANProtocolEndpoint_Array& orOut) {
+  auto& backend = QRX_SANActiveConnection_Best::singleton;
+  auto& endpoints = QRX_SANProtocolEndpoint_Best::singleton;
+  return listed_instances::associators<QRX_SANActiveConnection_Array>(
+             backend, endpoints, &Connection::Antecedent, &Connection::Dependent, irSource,
+             orOut) &&
+         listed_instances::associators<QRX_SANActiveConnection_Array>(
+             backend, endpoints, &Connection::Dependent, &Connection::Antecedent, irSource, orOut);
+}
+
+}  // namespace
+
+bool QRX_SANActiveConnection_Best::associatorsForAntecedent(const EndpointKey& source,
+                                                            QRX_SANProtocolEndpoint_Array& out) {
+  return objectsAtEitherEnd(source, out);
+}
+bool QRX_SANActiveConnection_Best::associatorNamesForAntecedent(
+    const EndpointKey& source, QRX_SANProtocolEndpoint_KeyArray& out) {
+  return namesAtEitherEnd(source, out);
+}
+bool QRX_SANActiveConnection_Best::referencesForAntecedent(const EndpointKey& source,
+                                                           QRX_SANActiveConnection_Array& out) {
+  return referencesAtEitherEnd(source, out);
+}
+bool QRX_SANActiveConnection_Best::associatorsForDependent(const EndpointKey& source,
+                                                           QRX_SANProtocolEndpoint_Array& out) {
+  return objectsAtEitherEnd(source, out);
+}
+bool QRX_SANActiveConnection_Best::associatorNamesForDependent(
+    const EndpointKey& source, QRX_SANProtocolEndpoint_KeyArray& out) {
+  return namesAtEitherEnd(source, out);
+}
+bool QRX_SANActiveConnection_Best::referencesForDependent(const EndpointKey& source,
+                                                          QRX_SANActiveConnection_Array& out) {
+  return referencesAtEitherEnd(source, out);
 }

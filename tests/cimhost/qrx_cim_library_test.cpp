@@ -1,17 +1,22 @@
 // qrx-cim against the provider library itself, with the simulated switch
 // serving in this process under a private queue prefix: the library starts
 // only when the switch daemon is there, and every operation kind reaches
-// the generated glue through the exported factories. Until the backends
-// serve a class, its answers are the failures the glue defines.
+// the generated glue through the exported factories, and every fabric and
+// switch class answers from the simulated switch's model. Classes whose
+// backends are still to come answer with the failures the glue defines.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <map>
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "tests/cimhost/RunTool.h"
 #include "tests/support/TraceCapture.h"
+#include "tools/switchsim/SimulatedSwitch.h"
 #include "tools/switchsim/Simulator.h"
 
 namespace {
@@ -48,6 +53,7 @@ TEST(QrxCimLibrary, StartsOnlyWhenTheSwitchDaemonIsThere) {
 }
 
 const char kSwitch[] = "QRX_Switch.CreationClassName=\"QRX_Switch\",Name=\"100000c0dd0c8f1e\"";
+const char kFabric[] = "QRX_Fabric.CreationClassName=\"QRX_Fabric\",Name=\"10000e5a71004000\"";
 const char kService[] =
     "QRX_ZoneService.SystemCreationClassName=\"QRX_Fabric\",SystemName=\"f1\","
     "CreationClassName=\"QRX_ZoneService\",Name=\"zoning\"";
@@ -69,27 +75,31 @@ TEST(QrxCimLibrary, EveryOperationKindReachesTheGlue) {
   EXPECT_NE(std::string::npos, classes.out.find("QRX_SwitchInFabric"));
   EXPECT_NE(std::string::npos, classes.out.find("QRX_ZoneService"));
 
-  expectFailure({"ei", "QRX_Chassis"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstances() failed");
-  expectFailure({"ein", "QRX_Node"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstanceNames() failed");
+  expectFailure({"ei", "QRX_Zone"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstances() failed");
+  expectFailure({"ein", "QRX_ZoneSet"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstanceNames() failed");
+  // A switch of another name, and a path of another class.
   expectFailure({"gi", kSwitch}, "CMPI_RC_ERR_FAILED (1): backendGetInstance() failed");
   EXPECT_TRUE(trace.contains("ERROR: Key missmatch 100000c0dd0c8f1e vs. "));
+  expectFailure({"gi", "QRX_Switch.CreationClassName=\"QRX_Other\",Name=\"100000c0dd0c8f1e\""},
+                "CMPI_RC_ERR_FAILED (1): backendGetInstance() failed");
+  EXPECT_TRUE(trace.contains("ERROR: Creation Class missmatch QRX_Other\n"));
   expectFailure({"ci", "QRX_Switch", "CreationClassName=QRX_Switch", "Name=new"},
                 "CMPI_RC_ERR_FAILED (1): backendCreateInstance() failed");
   expectFailure({"di", kSwitch}, "CMPI_RC_ERR_FAILED (1): QRX_Switch.backendDeleteInstance() failed");
-  expectFailure({"a", kSwitch, "--assoc-class", "QRX_SwitchInFabric"},
+  expectFailure({"a", kFabric, "--assoc-class", "QRX_ZoneSetInFabric"},
                 "CMPI_RC_ERR_FAILED (1): backendAssociatorsFor() failed");
-  expectFailure({"an", kSwitch, "--assoc-class", "QRX_PortInSwitch"},
+  expectFailure({"an", kFabric, "--assoc-class", "QRX_ZoneInFabric"},
                 "CMPI_RC_ERR_FAILED (1): backendAssociatorNamesFor() failed");
-  expectFailure({"r", kSwitch, "--result-class", "QRX_SwitchInFabric"},
+  expectFailure({"r", kFabric, "--result-class", "QRX_ZoneServiceInFabric"},
                 "CMPI_RC_ERR_FAILED (1): backendReferencesFor() failed");
-  expectFailure({"rn", kSwitch, "--result-class", "QRX_SwitchInChassis"},
+  expectFailure({"rn", kFabric, "--result-class", "QRX_ZoneAliasInFabric"},
                 "CMPI_RC_ERR_FAILED (1): backendReferencesFor() failed");
   expectFailure({"im", kService, "CreateZoneSet", "ZoneSetName=fabA"},
                 "CMPI_RC_ERR_FAILED (1): CreateZoneSet failed");
 
   // Requests the glue answers without a backend.
-  ToolRun role = runQrxCim({"an", kSwitch, "--assoc-class", "QRX_SwitchInFabric", "--role",
-                            "GroupComponent"});
+  ToolRun role = runQrxCim({"an", kFabric, "--assoc-class", "QRX_ZoneSetInFabric", "--role",
+                            "Dependent"});
   EXPECT_EQ(0, role.exitCode) << role.err;
   EXPECT_EQ("", role.out);
   ToolRun unknown = runQrxCim({"im", kService, "createZoneSet", "ZoneSetName=fabA"});
@@ -138,6 +148,116 @@ TEST(QrxCimLibrary, SwitchFabricAndPortsFromTheSimulatedSwitch) {
   EXPECT_EQ(0, port.exitCode) << port.err;
   EXPECT_NE(std::string::npos, port.out.find("PortNumber = " +
                                              std::to_string(model.ports.back().info.port_index)));
+}
+
+std::vector<std::string> lines(const std::string& irText) {
+  std::vector<std::string> out;
+  std::string::size_type at = 0;
+  for (std::string::size_type end; (end = irText.find('\n', at)) != std::string::npos; at = end + 1) {
+    out.push_back(irText.substr(at, end - at));
+  }
+  return out;
+}
+
+bool listed(const std::vector<std::string>& irLines, const std::string& irLine) {
+  for (const std::string& line : irLines) {
+    if (line == irLine) return true;
+  }
+  return false;
+}
+
+// Every class of the fabric and switch side enumerates as many instances as
+// the daemon's answers make, gets each first instance back, and every
+// association answers all four association operations from both of its
+// ends, each end finding the other.
+TEST(QrxCimLibrary, EveryFabricAndSwitchClassFromTheSimulatedSwitch) {
+  LibraryTrace trace;
+  setenv("QRX_SMIS_QUEUE_PREFIX", ("/qrxlibtest" + std::to_string(getpid())).c_str(), 1);
+  switchsim::FabricModel model = switchsim::FabricModel::builtIn();
+  model.switchInfo.location = "Lab A";
+  switchsim::Simulator sim(model);
+  std::string error;
+  ASSERT_TRUE(sim.start(&error)) << error;
+
+  // What the daemon reports, asked directly.
+  switchsim::FabricModel copy = model;
+  switchsim::SimulatedSwitch daemon(copy);
+  string_tA nodes, nodePorts;
+  switch_fc_port_stat_tA stats;
+  ASSERT_EQ(0, daemon.get_node_names(nodes));
+  ASSERT_EQ(0, daemon.get_node_fc_port_names(nodePorts));
+  ASSERT_EQ(0, daemon.get_switch_fc_port_stat(stats));
+  const std::size_t ports = model.ports.size();
+  ASSERT_GT(nodePorts.size(), 0u);
+  ASSERT_EQ(ports, stats.size());
+  const std::map<std::string, std::size_t> expected = {
+      {"QRX_SAN", 1}, {"QRX_Fabric", 1}, {"QRX_FabricInSAN", 1}, {"QRX_SwitchInFabric", 1},
+      {"QRX_LogicalNetwork", 1}, {"QRX_LogicalNetworkInFabric", 1},
+      {"QRX_InLogicalNetwork", ports + nodePorts.size()}, {"QRX_Switch", 1},
+      {"QRX_PhysicalComputerSystem", 1}, {"QRX_FCPort", 0}, {"QRX_SwitchFCPort", ports},
+      {"QRX_NodeFCPort", nodePorts.size()}, {"QRX_PortInSwitch", ports},
+      {"QRX_Node", nodes.size()}, {"QRX_NodeInFabric", nodes.size()},
+      {"QRX_PortInNode", nodePorts.size()}, {"QRX_NodePortInFabric", nodePorts.size()},
+      {"QRX_SANProtocolEndpoint", ports + nodePorts.size()},
+      {"QRX_FCPortSANProtocolEndpoint", ports + nodePorts.size()},
+      {"QRX_SANActiveConnection", nodePorts.size()},
+      {"QRX_FabricHostedSANAccessPoint", nodePorts.size()},
+      {"QRX_SwitchHostedSANAccessPoint", ports}, {"QRX_WebGUIRemoteAccessPoint", 1},
+      {"QRX_SwitchHostedRemoteAccessPoint", 1}, {"QRX_SAPAvailableForSwitch", 1},
+      {"QRX_Chassis", 1}, {"QRX_SwitchInChassis", 1}, {"QRX_Product", 1},
+      {"QRX_ChassisProduct", 1}, {"QRX_Location", 1}, {"QRX_PhysicalElementLocation", 1},
+      {"QRX_SoftwareIdentity", 1}, {"QRX_SwitchFCPortStats", ports},
+      {"QRX_PortStatsForSwitchFCPort", ports}, {"QRX_SwitchFCPortStatisticsCollection", 1},
+      {"QRX_SwitchFCPortStatsInSwitchFCPortStatisticsCollection", ports},
+      {"QRX_SwitchFCPortStatisticsCollectionForSwitch", 1},
+  };
+  for (const auto& entry : expected) {
+    const std::string& cls = entry.first;
+    ToolRun names = runQrxCim({"ein", cls});
+    ASSERT_EQ(0, names.exitCode) << cls << "\n" << names.err;
+    const std::vector<std::string> paths = lines(names.out);
+    EXPECT_EQ(entry.second, paths.size()) << cls << "\n" << names.out;
+    ToolRun all = runQrxCim({"ei", cls, "--json"});
+    ASSERT_EQ(0, all.exitCode) << cls << "\n" << all.err;
+    const nlohmann::json instances = nlohmann::json::parse(all.out);
+    ASSERT_EQ(paths.size(), instances.size()) << cls;
+    if (paths.empty()) continue;
+    ToolRun first = runQrxCim({"gi", paths.front(), "--json"});
+    ASSERT_EQ(0, first.exitCode) << paths.front() << "\n" << first.err;
+    EXPECT_EQ(instances.front()["properties"], nlohmann::json::parse(first.out)["properties"])
+        << paths.front();
+
+    // An association: from each end of its first instance, the other end.
+    std::vector<std::pair<std::string, std::string>> ends;  // role, path
+    for (const auto& property : instances.front()["properties"].items()) {
+      if (property.value().is_string() &&
+          property.value().get<std::string>().rfind("root/qrx:QRX_", 0) == 0) {
+        ends.emplace_back(property.key(), property.value().get<std::string>());
+      }
+    }
+    if (ends.empty()) continue;
+    ASSERT_EQ(2u, ends.size()) << cls;
+    // (No role is named: the glue tells the ends apart by their classes,
+    // and the connection's ends are both endpoints.)
+    for (int side = 0; side < 2; ++side) {
+      const std::string& source = ends[side].second;
+      const std::string& role = ends[side].first;
+      const std::string& other = ends[1 - side].second;
+      ToolRun an = runQrxCim({"an", source, "--ac", cls});
+      ASSERT_EQ(0, an.exitCode) << cls << " " << role << "\n" << an.err;
+      EXPECT_TRUE(listed(lines(an.out), other)) << cls << " from " << role << ":\n" << an.out;
+      ToolRun a = runQrxCim({"a", source, "--ac", cls, "--json"});
+      ASSERT_EQ(0, a.exitCode) << cls << "\n" << a.err;
+      EXPECT_EQ(lines(an.out).size(), nlohmann::json::parse(a.out).size()) << cls << " " << role;
+      ToolRun rn = runQrxCim({"rn", source, "--rc", cls});
+      ASSERT_EQ(0, rn.exitCode) << cls << "\n" << rn.err;
+      EXPECT_TRUE(listed(lines(rn.out), paths.front())) << cls << " from " << role << ":\n"
+                                                        << rn.out;
+      ToolRun r = runQrxCim({"r", source, "--rc", cls, "--json"});
+      ASSERT_EQ(0, r.exitCode) << cls << "\n" << r.err;
+      EXPECT_EQ(lines(rn.out).size(), nlohmann::json::parse(r.out).size()) << cls << " " << role;
+    }
+  }
 }
 
 }  // namespace
