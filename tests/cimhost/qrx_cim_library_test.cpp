@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <map>
 #include <string>
@@ -14,6 +15,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "common/backend/AwwpnMap.h"
 #include "tests/cimhost/RunTool.h"
 #include "tests/support/TraceCapture.h"
 #include "tools/switchsim/SimulatedSwitch.h"
@@ -144,6 +146,15 @@ TEST(QrxCimLibrary, SwitchFabricAndPortsFromTheSimulatedSwitch) {
     paths.push_back(ports.out.substr(at, end - at));
   }
   ASSERT_EQ(model.ports.size(), paths.size()) << ports.out;
+  // In slot order: slot k is named by the first port's address plus k.
+  std::uint64_t start = 0;
+  ASSERT_TRUE(AwwpnMap::parseWwn(model.ports.front().info.name, start));
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    EXPECT_EQ("root/qrx:QRX_SwitchFCPort.SystemCreationClassName=\"QRX_Switch\",SystemName=\"" +
+                  name + "\",CreationClassName=\"QRX_SwitchFCPort\",DeviceID=\"" +
+                  AwwpnMap::formatWwn(start + i) + "\"",
+              paths[i]);
+  }
   ToolRun port = runQrxCim({"gi", paths.back()});
   EXPECT_EQ(0, port.exitCode) << port.err;
   EXPECT_NE(std::string::npos, port.out.find("PortNumber = " +
