@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <map>
@@ -57,10 +58,16 @@ std::string writeFile(const std::string& irName, const std::string& irText) {
   return path;
 }
 
+// The options that make qrx-cim use the echo provider with the test MOF.
+std::vector<std::string> echoOptions() {
+  static const std::string mof = writeFile("qrx_cim_test.mof", kMof);
+  return {"--library", kLibrary, "--mof", mof};
+}
+
 // Runs qrx-cim on the echo provider with the test MOF.
 ToolRun run(std::vector<std::string> ipArgs, const std::map<std::string, std::string>& irEnv = {}) {
-  static const std::string mof = writeFile("qrx_cim_test.mof", kMof);
-  ipArgs.insert(ipArgs.end(), {"--library", kLibrary, "--mof", mof});
+  const std::vector<std::string> options = echoOptions();
+  ipArgs.insert(ipArgs.end(), options.begin(), options.end());
   return runQrxCim(ipArgs, irEnv);
 }
 
@@ -380,6 +387,61 @@ TEST(ProviderLibraryTest, FactoriesRunOnceAndEveryMiIsCleanedUp) {
                                       "create instance QRX_CimHostTestBroken",
                                       "cleanup-terminating instance QRX_CimHostTest"}),
             lines(log));
+}
+
+TEST(QrxCimTest, RunKeepsTheLibraryLoadedAcrossTheLinesOfAScript) {
+  const std::string script = writeFile("script.txt",
+                                       "# names, then something outside\n"
+                                       "echo  == names ==\n"
+                                       "ein QRX_CimHostTest\n"
+                                       "! echo from the shell; exit 3\n"
+                                       "sleep 0.3\n"
+                                       "gi 'QRX_CimHostTest.Id=\"missing\",Num=1'\n"
+                                       "ein QRX_CimHostTest --mof other.mof\n"
+                                       "gi 'QRX_CimHostTest.Id=\"open\n"
+                                       "\n"
+                                       "ei QRX_Unrelated\n"
+                                       "ein QRX_CimHostTest -n other/ns\r\n");
+  const std::string log = scratch("run.log");
+  std::remove(log.c_str());
+  // "run -" reads the script from standard input; --json applies to every line.
+  std::vector<std::string> args = {"-c", "exec \"$@\" < \"$SCRIPT\"", "sh",
+                                   cimhost_test::qrxCimPath(), "run", "-", "--json"};
+  const std::vector<std::string> options = echoOptions();
+  args.insert(args.end(), options.begin(), options.end());
+  const auto start = std::chrono::steady_clock::now();
+  ToolRun ran = cimhost_test::runProgram("/bin/sh", args,
+                                         {{"SCRIPT", script}, {"QRX_ECHO_PROVIDER_LOG", log}});
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
+
+  // Output as each command prints it alone, in the order of the lines; the
+  // last failing line (the class the library does not serve) gives the status.
+  EXPECT_EQ("== names ==\n" + run({"ein", "QRX_CimHostTest", "--json"}).out + "from the shell\n" +
+                run({"ein", "QRX_CimHostTest", "-n", "other/ns", "--json"}).out,
+            ran.out);
+  EXPECT_EQ("qrx-cim: line 4: shell command exited with status 3\n"
+            "qrx-cim: GetInstance failed: CMPI_RC_ERR_NOT_FOUND (6): no instance missing\n"
+            "qrx-cim: line 7: --mof applies to the whole run, not to one line\n"
+            "qrx-cim: line 8: unterminated ' quote\n"
+            "qrx-cim: library " +
+                kLibrary + " serves no instance provider for class QRX_Unrelated\n",
+            ran.err);
+  EXPECT_EQ(3, ran.exitCode);
+  // One provider served all three lines, and was cleaned up at the end.
+  EXPECT_EQ((std::vector<std::string>{"create instance QRX_CimHostTest",
+                                      "cleanup-terminating instance QRX_CimHostTest"}),
+            lines(log));
+
+  // From a file (standard input no longer flushes the output before each
+  // line is read), and with every line succeeding.
+  ToolRun clean = run(
+      {"run", writeFile("clean.txt", "echo ok\nein QRX_CimHostTest\n! echo from the shell\n")});
+  EXPECT_EQ(0, clean.exitCode) << clean.err;
+  EXPECT_EQ("ok\n" + run({"ein", "QRX_CimHostTest"}).out + "from the shell\n", clean.out);
+  ToolRun missing = run({"run", "/nonexistent/script.txt"});
+  EXPECT_EQ(3, missing.exitCode);
+  EXPECT_EQ("qrx-cim: cannot read script /nonexistent/script.txt: No such file or directory\n",
+            missing.err);
 }
 
 TEST(QrxCimTest, HelpShowsEveryCommandWithAnExample) {

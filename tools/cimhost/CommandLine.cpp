@@ -12,6 +12,32 @@ namespace {
 constexpr unsigned kAssociatorOptions =
     kOptAssocClass | kOptResultClass | kOptRole | kOptResultRole;
 
+const char kRunDetails[] =
+    "\n"
+    "FILE is read line by line, \"-\" standard input. Each line runs as soon as\n"
+    "it is read, all in one process: the library is loaded once, each provider\n"
+    "is obtained once, and every provider is cleaned up when the script ends.\n"
+    "A line is one of\n"
+    "  COMMAND [ARGUMENTS...]  a qrx-cim command with its options, as on the\n"
+    "                          command line; its output is what it prints alone\n"
+    "  ! SHELL-COMMAND         runs with /bin/sh -c, standard input /dev/null; a\n"
+    "                          non-zero exit status is reported, the script goes on\n"
+    "  sleep SECONDS           pauses, e.g. sleep 0.5 (at most 86400 seconds)\n"
+    "  echo [WORDS...]         prints the words, separated by single spaces\n"
+    "  # ...                   a comment; blank lines are skipped as well\n"
+    "Words split as in the shell: '...' keeps its text as it is, \"...\" too but\n"
+    "for \\\" \\\\ \\$ \\`, and a backslash outside quotes keeps the next character.\n"
+    "There are no variables, wildcards or comments after a command.\n"
+    "\n"
+    "The options given to qrx-cim itself (--library, --provider-dir, --provider,\n"
+    "--mof, -n, --json, -v) apply to every line. A line may add -n, --json, -v\n"
+    "and its command's options; it cannot change the library or the MOF files.\n"
+    "\n"
+    "A failing line prints its error and the script goes on; errors found before\n"
+    "a provider is called start with \"qrx-cim: line N:\". The exit status is 0\n"
+    "when every line succeeded, else that of the last line that failed: the\n"
+    "command's, 1 for a failed shell command, 2 for a line that cannot be read.\n";
+
 const std::vector<CommandInfo> kCommands = {
     {Command::EnumerateInstances, "enumerate-instances", "ei", "CLASS",
      "Lists the instances of a class.",
@@ -63,6 +89,9 @@ const std::vector<CommandInfo> kCommands = {
     {Command::Classes, "classes", "", "",
      "Lists the classes the library serves and the kinds of provider each has.",
      "Only classes the loaded MOF declares are looked for.\n", "classes", 0, 0, 0},
+    {Command::Run, "run", "", "FILE",
+     "Runs a script of commands, one per line, with the library loaded once.",
+     kRunDetails, "run demo.txt", 1, 1, 0},
     {Command::Help, "help", "", "[COMMAND]", "Shows this help, or a command's help.", "",
      "help invoke-method", 0, 1, 0},
 };
@@ -90,22 +119,23 @@ struct OptionInfo {
   const char* alias;  // "-n", "--ac"; "" when there is none
   bool takesValue;
   unsigned commandBit;  // CommandOption bit; 0 for options every command takes
+  bool wholeRun;        // chooses what a `run` script shares: not on its lines
 };
 
 const OptionInfo kOptions[] = {
-    {Option::Library, "--library", "", true, 0},
-    {Option::ProviderDir, "--provider-dir", "", true, 0},
-    {Option::Provider, "--provider", "", true, 0},
-    {Option::Mof, "--mof", "", true, 0},
-    {Option::NameSpace, "--namespace", "-n", true, 0},
-    {Option::AssocClass, "--assoc-class", "--ac", true, kOptAssocClass},
-    {Option::ResultClass, "--result-class", "--rc", true, kOptResultClass},
-    {Option::Role, "--role", "", true, kOptRole},
-    {Option::ResultRole, "--result-role", "--rr", true, kOptResultRole},
-    {Option::PropertyList, "--property-list", "--pl", true, kOptPropertyList},
-    {Option::Json, "--json", "", false, 0},
-    {Option::Verbose, "--verbose", "-v", false, 0},
-    {Option::Help, "--help", "-h", false, 0},
+    {Option::Library, "--library", "", true, 0, true},
+    {Option::ProviderDir, "--provider-dir", "", true, 0, true},
+    {Option::Provider, "--provider", "", true, 0, true},
+    {Option::Mof, "--mof", "", true, 0, true},
+    {Option::NameSpace, "--namespace", "-n", true, 0, false},
+    {Option::AssocClass, "--assoc-class", "--ac", true, kOptAssocClass, false},
+    {Option::ResultClass, "--result-class", "--rc", true, kOptResultClass, false},
+    {Option::Role, "--role", "", true, kOptRole, false},
+    {Option::ResultRole, "--result-role", "--rr", true, kOptResultRole, false},
+    {Option::PropertyList, "--property-list", "--pl", true, kOptPropertyList, false},
+    {Option::Json, "--json", "", false, 0, false},
+    {Option::Verbose, "--verbose", "-v", false, 0, false},
+    {Option::Help, "--help", "-h", false, 0, false},
 };
 
 const OptionInfo* findOption(const std::string& irName) {
@@ -229,20 +259,9 @@ bool checkCommand(const std::vector<std::string>& irPositional, unsigned ipUsedO
   return true;
 }
 
-}  // namespace
-
-const std::vector<CommandInfo>& commandTable() { return kCommands; }
-
-const CommandInfo* findCommand(const std::string& irName) {
-  if (irName.empty()) return nullptr;
-  for (const CommandInfo& info : kCommands) {
-    if (irName == info.longName || irName == info.shortName) return &info;
-  }
-  return nullptr;
-}
-
-bool parseCommandLine(const std::vector<std::string>& irWords, Invocation* opInvocation,
-                      std::string* opError) {
+// Reads the words; on a script line the whole-run options are refused.
+bool parseWords(const std::vector<std::string>& irWords, bool ipScriptLine,
+                Invocation* opInvocation, std::string* opError) {
   std::vector<std::string> positional;
   unsigned usedOptions = 0;
   bool optionsEnded = false;
@@ -263,6 +282,10 @@ bool parseCommandLine(const std::vector<std::string>& irWords, Invocation* opInv
       *opError = "unknown option '" + name + "'";
       return false;
     }
+    if (ipScriptLine && info->wholeRun) {
+      *opError = std::string(info->name) + " applies to the whole run, not to one line";
+      return false;
+    }
     std::string value;
     if (!info->takesValue) {
       if (eq != std::string::npos) {
@@ -281,6 +304,37 @@ bool parseCommandLine(const std::vector<std::string>& irWords, Invocation* opInv
     usedOptions |= info->commandBit;
   }
   return checkCommand(positional, usedOptions, opInvocation, opError);
+}
+
+}  // namespace
+
+const std::vector<CommandInfo>& commandTable() { return kCommands; }
+
+const CommandInfo* findCommand(const std::string& irName) {
+  if (irName.empty()) return nullptr;
+  for (const CommandInfo& info : kCommands) {
+    if (irName == info.longName || irName == info.shortName) return &info;
+  }
+  return nullptr;
+}
+
+bool parseCommandLine(const std::vector<std::string>& irWords, Invocation* opInvocation,
+                      std::string* opError) {
+  return parseWords(irWords, false, opInvocation, opError);
+}
+
+bool parseScriptCommand(const std::vector<std::string>& irWords, const Invocation& irRun,
+                        Invocation* opInvocation, std::string* opError) {
+  *opInvocation = Invocation();
+  opInvocation->nameSpace = irRun.nameSpace;
+  opInvocation->json = irRun.json;
+  opInvocation->verbose = irRun.verbose;
+  if (!parseWords(irWords, true, opInvocation, opError)) return false;
+  if (!opInvocation->help && opInvocation->command->command == Command::Run) {
+    *opError = "run cannot be used inside a script";
+    return false;
+  }
+  return true;
 }
 
 std::string libraryPath(const Invocation& irInvocation, const char* ipEnvironment,

@@ -24,7 +24,7 @@ enum ExitCode : int {
   kExitOk = 0,
   kExitFailed = 1,  // a provider returned a status other than CMPI_RC_OK
   kExitUsage = 2,   // the command line is wrong
-  kExitLoad = 3,    // the library, a factory or a MOF file could not be loaded
+  kExitLoad = 3,    // the library, a factory, a MOF file or a script could not be loaded
 };
 
 enum class Command {
@@ -39,6 +39,7 @@ enum class Command {
   ReferenceNames,
   InvokeMethod,
   Classes,
+  Run,
   Help,
 };
 
@@ -86,10 +87,18 @@ struct Invocation {
   bool help = false;  // --help, -h
 };
 
-// Reads the words after the program name. False with *opError set to a
-// one-line reason.
+// Reads the words after the program name into *opInvocation, which the
+// caller passes default-constructed. False with *opError set to a one-line
+// reason.
 bool parseCommandLine(const std::vector<std::string>& irWords, Invocation* opInvocation,
                       std::string* opError);
+
+// Reads the words of one line of a `run` script. The line starts from the
+// run's namespace, --json and --verbose (`irRun`) and may change them; the
+// options that choose the library or the class hierarchy apply to the
+// whole run and are refused here, as is a nested `run`.
+bool parseScriptCommand(const std::vector<std::string>& irWords, const Invocation& irRun,
+                        Invocation* opInvocation, std::string* opError);
 
 // The library to load: --library; else DIR/libNAME.so for --provider-dir
 // DIR and --provider NAME (default qrxsmis); else `ipEnvironment` (the

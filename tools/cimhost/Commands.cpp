@@ -164,7 +164,9 @@ bool buildRequest(TestBroker& irBroker, const Invocation& irInvocation, Request*
                   std::string* opError) {
   if (irInvocation.propertyList) opRequest->properties.set(*irInvocation.propertyList);
   const Command command = irInvocation.command->command;
-  if (command == Command::Classes || command == Command::Help) return true;
+  if (command == Command::Classes || command == Command::Help || command == Command::Run) {
+    return true;
+  }
   const std::string& target = irInvocation.arguments.at(0);
   switch (command) {
     case Command::EnumerateInstances:
@@ -215,6 +217,7 @@ int runRequest(const Invocation& irInvocation, const Request& irRequest, Session
     case Command::Classes:
       printClasses(irInvocation, irSession, irOut, irErr);
       return kExitOk;
+    case Command::Run:
     case Command::Help:
       return kExitUsage;  // handled before a request is built
   }

@@ -26,9 +26,9 @@ struct Request {
   PropertyList properties;
 };
 
-// Builds the request of `irInvocation`'s command (which must not be help)
-// with `irBroker` and its hierarchy. False with *opError set to a one-line
-// reason when an argument text is bad.
+// Builds the request of `irInvocation`'s command (which must be neither
+// help nor run) with `irBroker` and its hierarchy. False with *opError set
+// to a one-line reason when an argument text is bad.
 bool buildRequest(TestBroker& irBroker, const Invocation& irInvocation, Request* opRequest,
                   std::string* opError);
 

@@ -6,10 +6,12 @@ namespace {
 
 const char kIntro[] =
     "Usage: qrx-cim [OPTIONS] COMMAND [ARGUMENTS...]\n"
+    "       qrx-cim [OPTIONS] run FILE\n"
     "\n"
     "Runs CIM operations against a CMPI provider library without an object\n"
     "manager: the library is loaded with dlopen, its provider factories are called\n"
-    "with an in-process broker, and what the providers return is printed.\n";
+    "with an in-process broker, and what the providers return is printed. run\n"
+    "keeps the library loaded for a script of commands.\n";
 
 const char kOptionsText[] =
     "Options (anywhere on the line; \"--\" ends them):\n"
@@ -49,7 +51,8 @@ const char kSyntaxText[] =
     "                         \\\" in it; NAME:TYPE[]= is an empty array\n"
     "\n"
     "Exit status: 0 success, 1 the provider returned an error status, 2 usage\n"
-    "error, 3 the library, a provider factory or a MOF file could not be loaded.\n";
+    "error, 3 the library, a provider factory, a MOF file or run's script could\n"
+    "not be loaded. run: see qrx-cim help run.\n";
 
 std::string commandName(const CommandInfo& irCommand) {
   std::string name = irCommand.longName;
@@ -93,6 +96,22 @@ std::string commandHelp(const CommandInfo& irCommand) {
   }
   return text + "\nSee qrx-cim --help for the options of every command, the path syntax\n"
                 "and the typed value syntax.\n";
+}
+
+bool helpFor(const Invocation& irInvocation, std::string* opText, std::string* opError) {
+  const CommandInfo* topic = irInvocation.command;
+  if (topic && topic->command == Command::Help) {
+    topic = nullptr;
+    if (!irInvocation.arguments.empty()) {
+      topic = findCommand(irInvocation.arguments[0]);
+      if (!topic) {
+        *opError = "unknown command '" + irInvocation.arguments[0] + "'";
+        return false;
+      }
+    }
+  }
+  *opText = topic ? commandHelp(*topic) : usageText();
+  return true;
 }
 
 std::string usageHint(const CommandInfo* ipCommand) {

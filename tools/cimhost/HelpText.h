@@ -13,6 +13,11 @@ namespace cimhost {
 std::string usageText();
 std::string commandHelp(const CommandInfo& irCommand);
 
+// The help an invocation asks for: with --help its command's (the whole
+// usage without a command), for `help [COMMAND]` the usage or COMMAND's.
+// False with *opError set when COMMAND is unknown.
+bool helpFor(const Invocation& irInvocation, std::string* opText, std::string* opError);
+
 // The line that follows a usage error: where to read more.
 std::string usageHint(const CommandInfo* ipCommand);
 

@@ -1,8 +1,13 @@
 // qrx-cim: runs CIM operations from the command line against a CMPI
 // provider library, with the in-process broker in place of an object
 // manager. See README.md in this directory, or qrx-cim --help.
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
+#include <fstream>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -12,6 +17,7 @@
 #include "tools/cimhost/HelpText.h"
 #include "tools/cimhost/Operations.h"
 #include "tools/cimhost/ProviderLibrary.h"
+#include "tools/cimhost/ScriptRun.h"
 #include "tools/cimhost/broker/ClassHierarchy.h"
 #include "tools/cimhost/broker/TestBroker.h"
 
@@ -26,16 +32,28 @@ int usageError(const std::string& irReason, const CommandInfo* ipCommand) {
 
 // --help, -h and the help command.
 int showHelp(const Invocation& irInvocation) {
-  const CommandInfo* topic = irInvocation.command;
-  if (topic && topic->command == Command::Help) {
-    topic = nullptr;
-    if (!irInvocation.arguments.empty()) {
-      topic = findCommand(irInvocation.arguments[0]);
-      if (!topic) return usageError("unknown command '" + irInvocation.arguments[0] + "'", nullptr);
-    }
-  }
-  std::cout << (topic ? commandHelp(*topic) : usageText());
+  std::string text;
+  std::string error;
+  if (!helpFor(irInvocation, &text, &error)) return usageError(error, nullptr);
+  std::cout << text;
   return kExitOk;
+}
+
+// Opens the script of run into *opFile; "-" is standard input. NULL with
+// *opError set when it cannot be read.
+std::istream* openScript(const std::string& irName, std::ifstream* opFile, std::string* opError) {
+  if (irName == "-") return &std::cin;
+  struct stat info;
+  if (stat(irName.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
+    *opError = "cannot read script " + irName + ": it is a directory";
+    return nullptr;
+  }
+  opFile->open(irName);
+  if (!*opFile) {
+    *opError = "cannot read script " + irName + ": " + std::strerror(errno);
+    return nullptr;
+  }
+  return opFile;
 }
 
 int run(const std::vector<std::string>& irWords) {
@@ -46,6 +64,16 @@ int run(const std::vector<std::string>& irWords) {
   }
   if (invocation.help || invocation.command->command == Command::Help) {
     return showHelp(invocation);
+  }
+
+  std::ifstream scriptFile;
+  std::istream* script = nullptr;
+  if (invocation.command->command == Command::Run) {
+    script = openScript(invocation.arguments[0], &scriptFile, &error);
+    if (!script) {
+      std::cerr << "qrx-cim: " << error << "\n";
+      return kExitLoad;
+    }
   }
 
   ClassHierarchy hierarchy;
@@ -61,7 +89,7 @@ int run(const std::vector<std::string>& irWords) {
   TestBroker broker(&hierarchy);
   broker.setLogToStderr(invocation.verbose);
   Request request;
-  if (!buildRequest(broker, invocation, &request, &error)) {
+  if (!script && !buildRequest(broker, invocation, &request, &error)) {
     return usageError(error, invocation.command);
   }
 
@@ -75,7 +103,8 @@ int run(const std::vector<std::string>& irWords) {
     return kExitLoad;
   }
   Session session{broker, library, trace};
-  const int code = runRequest(invocation, request, session, std::cout, std::cerr);
+  const int code = script ? runScript(*script, invocation, session, std::cout, std::cerr)
+                          : runRequest(invocation, request, session, std::cout, std::cerr);
   std::cout.flush();
   for (const std::string& failure : library.cleanup()) {
     std::cerr << "qrx-cim: warning: " << failure << "\n";
