@@ -1,6 +1,7 @@
 #include "common/mqueue/FramePipeIf.h"
 
 #include <sched.h>
+#include <time.h>
 
 #include <cassert>
 
@@ -24,6 +25,15 @@ void Frame::setDataSize(std::uint32_t ipSize) {
 }
 
 FramePipeIf::~FramePipeIf() = default;
+
+void FramePipeIf::waitReady(bool /*ipForSend*/, unsigned int ipMs) {
+  const timespec pause = {0, (ipMs < 1 ? static_cast<long>(ipMs) : 1L) * 1000000L};
+  nanosleep(&pause, nullptr);
+}
+
+FramePipeIf::Link FramePipeIf::checkLink() { return Link::kCurrent; }
+
+bool FramePipeIf::reopen() { return false; }
 
 bool FramePipeIf::sendBlock(const Frame* ipFrame) {
   for (const Frame* frame = ipFrame; frame != nullptr; frame = frame->next()) {

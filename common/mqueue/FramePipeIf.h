@@ -156,6 +156,23 @@ class FramePipeIf {
   virtual int recvNonBlock(Frame*& orFrame) = 0;
   // Gives back a received frame or chain.
   virtual void recvDone(Frame* ipFrame) = 0;
+
+  // For a client that waits without time limit yet must neither spin nor
+  // stay bound to a daemon that was restarted:
+  //
+  // Sleeps until a frame may be there to receive (or, with ipForSend,
+  // room to send one), at most `ipMs` milliseconds. This default sleeps
+  // for the shorter of ipMs and one millisecond.
+  virtual void waitReady(bool ipForSend, unsigned int ipMs);
+  // What the names the pipe was opened with lead to now: the queues it
+  // holds, no queues (the daemon is gone), or new queues (the daemon was
+  // restarted). This default answers kCurrent.
+  enum class Link { kCurrent, kGone, kReplaced };
+  virtual Link checkLink();
+  // Closes and opens again under the same name; true when open again.
+  // This default has nothing to reopen and answers false.
+  virtual bool reopen();
+
   virtual ~FramePipeIf();
 };
 

@@ -18,6 +18,9 @@
 //   the daemon: it is logged and dropped, and the result is -1.
 // - close() closes both connections; the queues stay (they are the
 //   daemon's).
+// - waitReady() polls the receive (or send) queue; checkLink() compares
+//   both queue names with the queues held (kReplaced only when both names
+//   lead to queues and one of them is new, kGone when one is missing).
 //
 // Thread-safety: the pool is locked, so frames may be allocated and freed
 // from any thread; one thread may send while another receives. open() and
@@ -107,6 +110,22 @@ class mqPipeBase : public FramePipeIf {
   }
 
   void recvDone(Frame* ipFrame) override { freeFrame(ipFrame); }
+
+  void waitReady(bool ipForSend, unsigned int ipMs) override {
+    (ipForSend ? ivSendConn : ivRecvConn).waitReady(ipForSend, ipMs);
+  }
+
+  Link checkLink() override {
+    const mqClient::Identity send = ivSendConn.identity();
+    const mqClient::Identity recv = ivRecvConn.identity();
+    if (send == mqClient::Identity::kGone || recv == mqClient::Identity::kGone) {
+      return Link::kGone;
+    }
+    if (send == mqClient::Identity::kOther || recv == mqClient::Identity::kOther) {
+      return Link::kReplaced;
+    }
+    return Link::kCurrent;
+  }
 
  protected:
   InstancePool<FrameBuffer, ibuffNr> ivPool;

@@ -1,6 +1,8 @@
 #include "common/mqueue/mqCS.h"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
 #include <time.h>
 
 #include <cassert>
@@ -91,6 +93,35 @@ void mqClient::close() {
   if (!isConnected()) return;
   mq_close(ivMqDescriptor);
   ivMqDescriptor = -1;
+}
+
+// On Linux a queue descriptor is a file descriptor of the queue file
+// system: fstat() names the queue by its inode, and poll() waits on it.
+mqClient::Identity mqClient::identity() const {
+  if (!isConnected()) return Identity::kGone;
+  const mqd_t probe = mq_open(ivMqName.c_str(), O_RDONLY | O_NONBLOCK);
+  if (probe == static_cast<mqd_t>(-1)) {
+    // A queue that exists but cannot be opened (no descriptors left, say)
+    // is not evidence of a restart.
+    return errno == ENOENT ? Identity::kGone : Identity::kSame;
+  }
+  struct stat held;
+  struct stat named;
+  const bool same = fstat(ivMqDescriptor, &held) == 0 && fstat(probe, &named) == 0 &&
+                    held.st_ino == named.st_ino && held.st_dev == named.st_dev;
+  mq_close(probe);
+  return same ? Identity::kSame : Identity::kOther;
+}
+
+void mqClient::waitReady(bool ipForSend, unsigned int ipMs) const {
+  if (!isConnected()) {
+    const timespec pause = {static_cast<time_t>(ipMs / 1000),
+                            static_cast<long>(ipMs % 1000) * 1000000L};
+    nanosleep(&pause, nullptr);
+    return;
+  }
+  pollfd entry = {ivMqDescriptor, static_cast<short>(ipForSend ? POLLOUT : POLLIN), 0};
+  poll(&entry, 1, static_cast<int>(ipMs));
 }
 
 // ---------------------------------------------------------------------------

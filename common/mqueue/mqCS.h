@@ -70,6 +70,18 @@ class mqClient {
   // Closes the descriptor (the queue stays); connect() may follow.
   void close();
 
+  // What the name leads to now, compared with the queue this client holds:
+  // the same queue, no queue (the daemon removed it), or another queue (a
+  // restarted daemon created it anew). Costs an open and a close; nothing
+  // is received or sent. A client that is not connected answers kGone.
+  enum class Identity { kSame, kGone, kOther };
+  Identity identity() const;
+
+  // Sleeps until the queue has a message to receive (ipForSend false) or
+  // room for one (true), at most `ipMs` milliseconds; returns early on a
+  // signal. Nothing is received or sent.
+  void waitReady(bool ipForSend, unsigned int ipMs) const;
+
   bool isConnected() const { return ivMqDescriptor != -1; }
   const std::string& name() const { return ivMqName; }
 

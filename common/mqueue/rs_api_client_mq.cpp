@@ -1,11 +1,5 @@
 // The hand-written half of the request client: one exchange with the
 // daemon. The per-call wrappers are generated (smis_ipc_client.cpp).
-#include <sched.h>
-
-#include <cassert>
-#include <cstdlib>
-#include <cstring>
-
 #include "common/base/PerfSamples.h"
 #include "common/base/SCIMSerdes.h"
 #include "common/base/trace.h"
@@ -16,47 +10,34 @@ const char* const kUnit = "common/mqueue/rs_api_client_mq";
 }  // namespace
 
 rs_api_client_mq::rs_api_client_mq(fcbb::FramePipeIf& irFramePipe)
-    : ivrFramePipe(irFramePipe), ivReqIdNr(0) {}
+    : ivrFramePipe(irFramePipe), ivReqIdNr(0), ivExchange(irFramePipe, ivLimits) {}
 
 int rs_api_client_mq::execIpc(fcbb::Frame* ipIn, fcbb::Frame** opOut) {
   fcbb::MutexLock lock(ivLock);
+  return execIpc_nl(ipIn, opOut);
+}
+
+int rs_api_client_mq::execIpc_nl(fcbb::Frame* ipIn, fcbb::Frame** opOut) {
   ipIn->req_id = ivReqIdNr++;
-  while (!ivrFramePipe.sendBlock(ipIn)) sched_yield();
-  const int received = ivrFramePipe.recvBlock(*opOut);
-  if (received < 0) return received;
-  assert(ipIn->req_id == (*opOut)->req_id);
-  return 0;
+  *opOut = nullptr;
+  return ivExchange.run(ipIn, opOut);
 }
 
-fcbb::Frame* rs_api_client_mq::makeSingleFrame(fcbb::Frame* ipFrame) {
-  if (ipFrame->next() == nullptr) return ipFrame;
-  std::uint64_t total = fcbb::kFrameHeaderSize;
-  for (const fcbb::Frame* f = ipFrame; f != nullptr; f = f->next()) total += f->dataSize();
-  if (total > UINT32_MAX) return nullptr;
-  // Laid out like a FrameBuffer (the chain pointer in front), so that the
-  // joined frame is a Frame like any other.
-  void* memory = std::malloc(offsetof(fcbb::FrameBuffer, buffer) + total);
-  if (memory == nullptr) return nullptr;
-  auto* storage = static_cast<fcbb::FrameBuffer*>(memory);
-  fcbb::Frame* joined = storage->frame();
-  joined->reset(static_cast<std::uint32_t>(total));
-  joined->req_id = ipFrame->reqId();
-  unsigned char* out = joined->data();
-  for (const fcbb::Frame* f = ipFrame; f != nullptr; f = f->next()) {
-    std::memcpy(out, f->data(), f->dataSize());
-    out += f->dataSize();
-  }
-  joined->setDataSize(static_cast<std::uint32_t>(total - fcbb::kFrameHeaderSize));
-  return joined;
+void rs_api_client_mq::releaseReply(fcbb::Frame* ipReply) {
+  fcbb::RequestExchange::release(ivrFramePipe, ipReply);
 }
 
-void rs_api_client_mq::freeSingleFrame(fcbb::Frame* ipFrame) {
-  std::free(fcbb::FrameBuffer::of(ipFrame));
+void rs_api_client_mq::setExchangeLimits(const fcbb::ExchangeLimits& irLimits) {
+  fcbb::MutexLock lock(ivLock);
+  ivLimits = irLimits;
 }
 
 int rs_api_client_mq::exchange(const char* ipTag, const char* ipFunction,
                                const std::function<void(SCIMSerializerIf&)>& irArgs,
                                const std::function<void(SCIMDeserializerIf&)>& irResults) {
+  // The lock comes first: a caller that waits for its turn holds no frame,
+  // so the pool always has frames for the caller whose turn it is.
+  fcbb::MutexLock lock(ivLock);
   fcbb::Frame* request = ivrFramePipe.allocFrame(ivrFramePipe.getMaxFrameSize());
   if (request == nullptr) {
     TRACE_ERROR(kUnit, "no free frame for %s\n", ipFunction);
@@ -75,17 +56,14 @@ int rs_api_client_mq::exchange(const char* ipTag, const char* ipFunction,
 
   AutoTimeStat timer(ipTag);
   fcbb::Frame* reply = nullptr;
-  int rc = execIpc(request, &reply);
+  int rc = execIpc_nl(request, &reply);
   ivrFramePipe.freeFrame(request);
-  if (rc != 0) return rc;
-
-  fcbb::Frame* joined = makeSingleFrame(reply);
-  if (joined == nullptr) {
-    TRACE_ERROR(kUnit, "no memory to join the reply to %s\n", ipFunction);
-    ivrFramePipe.recvDone(reply);
-    return -1;
+  if (rc != 0) {
+    TRACE_ERROR(kUnit, "no reply to %s\n", ipFunction);
+    return rc;
   }
-  SCIMDeserializer deserializer(joined->data(), joined->dataSize());
+
+  SCIMDeserializer deserializer(reply->data(), reply->dataSize());
   cuint32 status = 0;
   deserializer.read("status", CMPI_uint32, status);
   if (deserializer.hasError()) {
@@ -102,7 +80,6 @@ int rs_api_client_mq::exchange(const char* ipTag, const char* ipFunction,
       rc = -1;
     }
   }
-  ivrFramePipe.recvDone(reply);
-  if (joined != reply) freeSingleFrame(joined);
+  releaseReply(reply);
   return rc;
 }

@@ -5,6 +5,7 @@
 #include <sched.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <deque>
 #include <mutex>
 #include <string>
@@ -41,23 +42,43 @@ Bytes statusOnly(cuint32 ipStatus) {
 class ScriptedPipe : public qrxtest::InMemoryPipe {
  public:
   void script(Bytes ipData, std::uint32_t ipSkew = 0) {
+    Reply reply;
+    reply.data = std::move(ipData);
+    reply.reqIdSkew = ipSkew;
+    script(std::move(reply));
+  }
+  void script(Reply ipReply) {
     std::lock_guard<std::mutex> lock(ivMutex);
-    ivScript.push_back({std::move(ipData), ipSkew});
+    ivScript.push_back(std::move(ipReply));
   }
 
  protected:
-  Bytes answer(const Bytes&, std::uint32_t& orReqIdSkew) override {
+  Reply answer(const Bytes&) override {
     std::lock_guard<std::mutex> lock(ivMutex);
-    Bytes reply = std::move(ivScript.front().first);
-    orReqIdSkew = ivScript.front().second;
+    Reply reply = std::move(ivScript.front());
     ivScript.pop_front();
     return reply;
   }
 
  private:
   std::mutex ivMutex;
-  std::deque<std::pair<Bytes, std::uint32_t>> ivScript;
+  std::deque<Reply> ivScript;
 };
+
+// A reply of `ipNames` names of 30 characters: about 34 bytes each.
+Bytes namesReply(int ipNames, string_tA* opNames = nullptr) {
+  string_tA names;
+  for (int i = 0; i < ipNames; ++i) {
+    char name[40];
+    std::snprintf(name, sizeof name, "node-%06d-20000025b5aa0001-xyz", i);
+    names.push_back(name);
+  }
+  if (opNames != nullptr) *opNames = names;
+  return encode([&](SCIMSerializer& s) {
+    s.write("status", CMPI_uint32, cuint32{0});
+    s.write("NodeNames", CMPI_stringA, names);
+  });
+}
 
 TEST(RequestClientTest, RequestBytesResultsAndTiming) {
   ScriptedPipe pipe;
@@ -169,28 +190,75 @@ TEST(RequestClientTest, ChainedReplyIsJoinedBeforeDecoding) {
   EXPECT_EQ(0, pipe.outstanding());
 }
 
-TEST(RequestClientTest, JoiningCopiesEveryPartInOrder) {
-  FrameBuffer a, b;
-  Frame* first = a.frame();
-  Frame* second = b.frame();
-  first->reset(fcbb::kMaxFrameSize);
-  second->reset(fcbb::kMaxFrameSize);
-  first->req_id = 7;
-  first->data()[0] = 'x';
-  first->setDataSize(1);
-  second->data()[0] = 'y';
-  second->data()[1] = 'z';
-  second->setDataSize(2);
-  EXPECT_EQ(first, rs_api_client_mq::makeSingleFrame(first));
-  first->setNext(second);
-  Frame* joined = rs_api_client_mq::makeSingleFrame(first);
-  ASSERT_NE(first, joined);
-  EXPECT_EQ(7u, joined->reqId());
-  EXPECT_EQ(19u, joined->usedSize());
-  EXPECT_EQ(19u, joined->allocSize());
-  EXPECT_EQ(nullptr, joined->next());
-  EXPECT_EQ("xyz", std::string(reinterpret_cast<const char*>(joined->data()), 3));
-  rs_api_client_mq::freeSingleFrame(joined);
+TEST(RequestClientTest, LongRepliesAreGatheredAndTooLongOnesRefusedInStep) {
+  ScriptedPipe pipe;
+  rs_api_client_mq client(pipe);
+  const std::size_t frameData = fcbb::kMaxFrameSize - fcbb::kFrameHeaderSize;
+
+  // Sixty frames and more.
+  string_tA names;
+  const Bytes sixty = namesReply(14500, &names);
+  ASSERT_GT(sixty.size(), 60 * frameData);
+  pipe.script(sixty);
+  string_tA received;
+  ASSERT_EQ(0, client.get_node_names(received));
+  EXPECT_EQ(names, received);
+
+  // Over the limit: read to its last frame, refused, and the next call is
+  // answered by its own reply.
+  fcbb::ExchangeLimits limits;
+  limits.maxReplyBytes = 3 * frameData;
+  client.setExchangeLimits(limits);
+  pipe.script(namesReply(1000));  // about 34,000 bytes, five frames
+  received = {"kept"};
+  EXPECT_EQ(-1, client.get_node_names(received));
+  EXPECT_EQ(string_tA{"kept"}, received);
+  EXPECT_EQ(0, pipe.waiting());
+  pipe.script(namesReply(200, &names));  // within the limit: one frame short of it
+  ASSERT_EQ(0, client.get_node_names(received));
+  EXPECT_EQ(names, received);
+  EXPECT_EQ(0, pipe.outstanding());
+}
+
+TEST(RequestClientTest, DuplicateAndCutOffRepliesDoNotPutTheClientOutOfStep) {
+  ScriptedPipe pipe;
+  rs_api_client_mq client(pipe);
+  fcbb::ExchangeLimits limits;
+  limits.chainTimeoutMs = 50;
+  client.setExchangeLimits(limits);
+  auto nameReply = [](const char* ipName) {
+    return encode([&](SCIMSerializer& s) {
+      s.write("status", CMPI_uint32, cuint32{0});
+      s.write("Name", CMPI_string, std::string(ipName));
+    });
+  };
+
+  // The daemon answers twice; the copy is dropped by the next call.
+  qrxtest::InMemoryPipe::Reply twice;
+  twice.data = namesReply(600);  // three frames
+  twice.copies = 2;
+  pipe.script(twice);
+  string_tA names;
+  ASSERT_EQ(0, client.get_node_names(names));
+  EXPECT_EQ(600u, names.size());
+  pipe.script(nameReply("sw1"));
+  std::string name;
+  ASSERT_EQ(0, client.get_switch_name(name));
+  EXPECT_EQ("sw1", name);
+
+  // The daemon stops after two frames of three: the call fails once the
+  // chain stalls, and the next call gets its own reply.
+  qrxtest::InMemoryPipe::Reply cut;
+  cut.data = namesReply(600);
+  cut.cutAfter = 2;
+  pipe.script(cut);
+  names = {"kept"};
+  EXPECT_EQ(-1, client.get_node_names(names));
+  EXPECT_EQ(string_tA{"kept"}, names);
+  pipe.script(nameReply("sw2"));
+  ASSERT_EQ(0, client.get_switch_name(name));
+  EXPECT_EQ("sw2", name);
+  EXPECT_EQ(0, pipe.outstanding());
 }
 
 TEST(RequestClientTest, ConcurrentCallsAreSerialisedAndNumberedInOrder) {

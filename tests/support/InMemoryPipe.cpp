@@ -37,28 +37,30 @@ void InMemoryPipe::freeFrame(Frame* ipFrame) {
 
 int InMemoryPipe::send(const Frame* ipFrame) {
   const Bytes request(ipFrame->data(), ipFrame->data() + ipFrame->dataSize());
-  std::uint32_t skew = 0;
-  Bytes reply = answer(request, skew);
+  const Reply reply = answer(request);
   std::lock_guard<std::mutex> lock(ivMutex);
   if (ivInFlight) ivOverlapped = true;
   ivInFlight = true;
   ivRequests.push_back(request);
   ivReqIds.push_back(ipFrame->reqId());
   const std::size_t room = fcbb::kMaxFrameSize - fcbb::kFrameHeaderSize;
-  std::size_t offset = 0;
-  do {
-    const std::size_t part = std::min(room, reply.size() - offset);
-    auto* storage = new FrameBuffer();
-    ++ivOutstanding;
-    Frame* frame = storage->frame();
-    frame->reset(fcbb::kMaxFrameSize);
-    frame->req_id = ipFrame->reqId() + skew;
-    std::copy(reply.begin() + offset, reply.begin() + offset + part, frame->data());
-    frame->setDataSize(static_cast<std::uint32_t>(part));
-    offset += part;
-    frame->setWireNext(offset < reply.size() ? 1 : 0);
-    ivInbox.push_back(frame);
-  } while (offset < reply.size());
+  for (int copy = 0; copy < reply.copies; ++copy) {
+    std::size_t offset = 0;
+    for (int frames = 0; reply.cutAfter < 0 || frames < reply.cutAfter; ++frames) {
+      const std::size_t part = std::min(room, reply.data.size() - offset);
+      auto* storage = new FrameBuffer();
+      ++ivOutstanding;
+      Frame* frame = storage->frame();
+      frame->reset(fcbb::kMaxFrameSize);
+      frame->req_id = ipFrame->reqId() + reply.reqIdSkew;
+      std::copy(reply.data.begin() + offset, reply.data.begin() + offset + part, frame->data());
+      frame->setDataSize(static_cast<std::uint32_t>(part));
+      offset += part;
+      frame->setWireNext(offset < reply.data.size() ? 1 : 0);
+      ivInbox.push_back(frame);
+      if (offset >= reply.data.size()) break;
+    }
+  }
   return static_cast<int>(ipFrame->usedSize());
 }
 
@@ -92,12 +94,17 @@ bool InMemoryPipe::overlapped() {
   return ivOverlapped;
 }
 
+int InMemoryPipe::waiting() {
+  std::lock_guard<std::mutex> lock(ivMutex);
+  return static_cast<int>(ivInbox.size());
+}
+
 void InMemoryPipe::setOutOfFrames(bool ipOut) {
   std::lock_guard<std::mutex> lock(ivMutex);
   ivOutOfFrames = ipOut;
 }
 
-Bytes DispatchPipe::answer(const Bytes& irRequest, std::uint32_t& /*orReqIdSkew*/) {
+InMemoryPipe::Reply DispatchPipe::answer(const Bytes& irRequest) {
   // Large enough for any reply a test builds; the call runs only once,
   // since it may change the daemon's state.
   constexpr std::size_t kCapacity = 8 << 20;
@@ -109,9 +116,9 @@ Bytes DispatchPipe::answer(const Bytes& irRequest, std::uint32_t& /*orReqIdSkew*
   if (rs_api_dispatch(ivDaemon, in, out, function) != kDispatchDone || out.hasError()) {
     SCIMSerializer failure(reply.get(), kCapacity);
     failure.write("status", CMPI_uint32, cuint32{0xFFFF});
-    return Bytes(reply.get(), reply.get() + failure.getWrittenLen());
+    return Reply{Bytes(reply.get(), reply.get() + failure.getWrittenLen())};
   }
-  return Bytes(reply.get(), reply.get() + out.getWrittenLen());
+  return Reply{Bytes(reply.get(), reply.get() + out.getWrittenLen())};
 }
 
 }  // namespace qrxtest

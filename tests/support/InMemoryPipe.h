@@ -3,8 +3,10 @@
 // Each request sent is handed to answer(), whose reply data (a status and
 // the results) comes back as the daemon would send it: split into frames
 // of at most 8176 data bytes, wire next word 1 on all but the last, req_id
-// copied from the request (plus an optional skew). Frames are counted, so
-// a test can check that every one came back. Thread-safe.
+// copied from the request (plus an optional skew). A reply may also be
+// sent twice, or cut off after some frames, as a faulty daemon would.
+// Frames are counted, so a test can check that every one came back.
+// Thread-safe.
 #ifndef QRX_TESTS_SUPPORT_INMEMORYPIPE_H_
 #define QRX_TESTS_SUPPORT_INMEMORYPIPE_H_
 
@@ -44,11 +46,20 @@ class InMemoryPipe : public fcbb::FramePipeIf {
   bool overlapped();
   // allocFrame() answers null while set.
   void setOutOfFrames(bool ipOut);
+  // Frames of replies waiting to be received.
+  int waiting();
+
+  // How a reply goes out.
+  struct Reply {
+    Bytes data;
+    std::uint32_t reqIdSkew = 0;  // added to the request's req_id
+    int copies = 1;               // sent this many times
+    int cutAfter = -1;            // >= 0: only the first cutAfter frames go out
+  };
 
  protected:
-  // The reply data for a request's data; `orReqIdSkew` is added to the
-  // reply's req_id.
-  virtual Bytes answer(const Bytes& irRequest, std::uint32_t& orReqIdSkew) = 0;
+  // The reply to a request's data.
+  virtual Reply answer(const Bytes& irRequest) = 0;
 
  private:
   std::mutex ivMutex;
@@ -71,7 +82,7 @@ class DispatchPipe : public InMemoryPipe {
   explicit DispatchPipe(rs_api_client& irDaemon) : ivDaemon(irDaemon) {}
 
  protected:
-  Bytes answer(const Bytes& irRequest, std::uint32_t& orReqIdSkew) override;
+  Reply answer(const Bytes& irRequest) override;
 
  private:
   rs_api_client& ivDaemon;

@@ -28,6 +28,7 @@ CLIENT_HEADER = """\
 
 #include "common/base/Mutex.h"
 #include "common/mqueue/FramePipeIf.h"
+#include "common/mqueue/RequestExchange.h"
 #include "generated/smis_ipc/smis_ipc.h"
 
 // The remote calls of the switch daemon, one operation each. Every call
@@ -43,27 +44,27 @@ class rs_api_client {
 };
 
 // The client over a frame pipe: each call sends one request frame (the
-// function name "rs_api_<call>" and the arguments) and waits, without time
-// limit and holding ivLock, for the reply (a 32-bit status, then on 0 the
-// results). One call is in flight at a time; requests are numbered in
-// order. Each exchange is timed under "rs_api_client_mq.<call>".
+// function name "rs_api_<call>" and the arguments) and receives the reply
+// (a 32-bit status, then on 0 the results), holding ivLock from taking the
+// request frame to decoding the reply, so that one call is in flight at a
+// time and a caller waiting for the lock holds no frame. Requests are
+// numbered in order. Each exchange is timed under
+// "rs_api_client_mq.<call>". How the exchange waits, gathers long replies
+// and follows a restarted daemon: common/mqueue/RequestExchange.h.
 class rs_api_client_mq : public rs_api_client {
  public:
   explicit rs_api_client_mq(fcbb::FramePipeIf& irFramePipe);
 
 %s
-  // Sends `ipIn` numbered with the next request number and waits for the
-  // complete reply chain in *opOut. Returns 0, or the negative send result.
-  // Asserts that the reply answers this request.
+  // Sends `ipIn` numbered with the next request number and receives its
+  // whole reply as one frame in *opOut, to be given back with
+  // releaseReply(). Returns 0, or -1 when no reply could be had. Asserts
+  // that the reply does not answer a request that was never sent.
   int execIpc(fcbb::Frame* ipIn, fcbb::Frame** opOut);
+  void releaseReply(fcbb::Frame* ipReply);
 
-  // `ipFrame` itself when it is a single frame; otherwise one allocated
-  // frame holding the data of the whole chain in order (req_id from the
-  // first frame, alloc_size = used_size = the total), or null without
-  // memory. A result that differs from `ipFrame` goes back through
-  // freeSingleFrame().
-  static fcbb::Frame* makeSingleFrame(fcbb::Frame* ipFrame);
-  static void freeSingleFrame(fcbb::Frame* ipFrame);
+  // Replaces the limits of the exchanges that follow.
+  void setExchangeLimits(const fcbb::ExchangeLimits& irLimits);
 
  protected:
   // One remote call: writes the function name and `irArgs`, exchanges, and
@@ -71,10 +72,14 @@ class rs_api_client_mq : public rs_api_client {
   int exchange(const char* ipTag, const char* ipFunction,
                const std::function<void(SCIMSerializerIf&)>& irArgs,
                const std::function<void(SCIMDeserializerIf&)>& irResults);
+  // execIpc() with ivLock held.
+  int execIpc_nl(fcbb::Frame* ipIn, fcbb::Frame** opOut);
 
   fcbb::FramePipeIf& ivrFramePipe;
   fcbb::Mutex ivLock;
   std::uint32_t ivReqIdNr;
+  fcbb::ExchangeLimits ivLimits;
+  fcbb::RequestExchange ivExchange;
 };
 
 #endif  // QRX_GENERATED_SMIS_IPC_SMIS_IPC_CLIENT_H_
