@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <ostream>
@@ -19,9 +20,9 @@ namespace switchsim {
 namespace {
 
 const char kUsage[] =
-    "usage: qrx-switchsim [serve] [--model FILE.json] [--name NAME] [--log FILE|-]\n"
+    "usage: qrx-switchsim [serve] [--model FILE.json | --ports N] [--name NAME] [--log FILE|-]\n"
     "                     [--control PATH] [--replace]\n"
-    "       qrx-switchsim dump-model [--model FILE.json]\n"
+    "       qrx-switchsim dump-model [--model FILE.json | --ports N]\n"
     "       qrx-switchsim event [--control PATH] [--name NAME] KIND [WORDS...]\n"
     "       qrx-switchsim fault [--control PATH] [--name NAME] --function F [--status N]\n"
     "                           [--delay-ms N] [--wrong-req-id] [--count N]\n"
@@ -39,6 +40,7 @@ const char kHelpBody[] =
     "  out) and serves until SIGINT or SIGTERM, then removes both queues. PREFIX is\n"
     "  $QRX_SMIS_QUEUE_PREFIX, or \"/CUID3570\"; NAME is \"smis_ipc\" unless --name.\n"
     "  --model FILE   the model to serve (JSON; see dump-model); default built-in\n"
+    "  --ports N      the built-in model with N switch ports (24 to 2500)\n"
     "  --log FILE|-   append one line per request, reply and event to FILE (-:\n"
     "                 standard output): req_id, function, status, bytes, frames\n"
     "  --control PATH the control socket (default below)\n"
@@ -89,7 +91,7 @@ struct Options {
 
 bool parseOptions(const std::vector<std::string>& irArgs, Options* opOptions,
                   std::string* orError) {
-  static const std::set<std::string> kValued = {"--model",  "--name",     "--log",
+  static const std::set<std::string> kValued = {"--model",  "--ports",    "--name",     "--log",
                                                 "--control", "--function", "--status",
                                                 "--delay-ms", "--count"};
   static const std::set<std::string> kFlags = {"--replace", "--wrong-req-id", "--clear",
@@ -161,6 +163,19 @@ std::string controlPath(const Options& irOptions) {
 
 bool loadModel(const Options& irOptions, FabricModel* opModel, std::string* orError) {
   auto file = irOptions.values.find("--model");
+  auto ports = irOptions.values.find("--ports");
+  if (ports != irOptions.values.end()) {
+    char* end = nullptr;
+    const unsigned long count = std::strtoul(ports->second.c_str(), &end, 10);
+    if (file != irOptions.values.end() || ports->second.empty() || *end != '\0' || count < 24 ||
+        count > FabricModel::kMaxPorts) {
+      *orError = "--ports: expected a number from 24 to 2500 (without --model), got \"" +
+                 ports->second + "\"";
+      return false;
+    }
+    *opModel = FabricModel::builtIn(static_cast<unsigned>(count));
+    return true;
+  }
   if (file == irOptions.values.end()) {
     *opModel = FabricModel::builtIn();
     return true;
@@ -282,10 +297,10 @@ int runCommandLine(const std::vector<std::string>& irArgs, std::ostream& irOut,
   const std::string& command = options.command;
   bool ok = true;
   if (command == "serve") {
-    ok = checkAllowed(options, {"--model", "--name", "--log", "--control", "--replace"}, false,
-                      &error);
+    ok = checkAllowed(options, {"--model", "--ports", "--name", "--log", "--control", "--replace"},
+                      false, &error);
   } else if (command == "dump-model") {
-    ok = checkAllowed(options, {"--model"}, false, &error);
+    ok = checkAllowed(options, {"--model", "--ports"}, false, &error);
   } else if (command == "event") {
     ok = checkAllowed(options, {"--control", "--name"}, true, &error);
     if (ok && options.words.empty()) {

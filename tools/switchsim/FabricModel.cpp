@@ -232,6 +232,21 @@ FabricModel FabricModel::builtIn() {
   return model;
 }
 
+FabricModel FabricModel::builtIn(unsigned ipPorts) {
+  FabricModel model = builtIn();
+  const std::size_t pattern = model.ports.size();
+  for (unsigned i = static_cast<unsigned>(pattern); i < ipPorts && i < kMaxPorts; ++i) {
+    SwitchPort port = model.ports[i % pattern];
+    port.info.name = hex("2%03x0e5a71004000", i);
+    port.info.port_index = static_cast<cuint16>(i);
+    port.info.port_id = hex("%02x", kDomain) + hex("%04x", i);
+    port.stats.name = port.info.name;
+    port.stats.port_index = port.info.port_index;
+    model.ports.push_back(std::move(port));
+  }
+  return model;
+}
+
 bool FabricModel::validate(std::string* orError) const {
   auto fail = [orError](const std::string& irText) {
     *orError = irText;

@@ -71,6 +71,12 @@ class FabricModel {
   // NPIV ports, inter-switch links, aliases and zones with every member
   // type, two zone sets of which one is active.
   static FabricModel builtIn();
+  // The same fabric with `ipPorts` switch ports (24 to kMaxPorts): the
+  // ports after the 24th repeat the states of the first 24 in turn and
+  // have no nodes; they are named 2PPP0e5a71004000 (PPP the port index
+  // in hex) with the addresses 05PPPP.
+  static FabricModel builtIn(unsigned ipPorts);
+  static constexpr unsigned kMaxPorts = 2500;
 
   // Checks the relations above, unique names and the zoning rules of
   // ZoningState.h; on failure names the offending field in *orError.
