@@ -42,12 +42,31 @@ FabricCache::~FabricCache() = default;
 
 void FabricCache::initCache() {
   fcbb::MutexLock lock(ivLock);
-  refreshFabric_nl();
+  ivFabricRead = refreshFabric_nl() == 0;
   refreshSwitchAndPort_nl();
   refreshActiveZoneSet_nl();
   fillDummySwitchFCPort();
   ivASwitchMap.reset(new AwwpnMap(ivDummySwitchFCPort));
   initAwwpnMap();
+}
+
+void FabricCache::healSwitch_nl() {
+  if (!ivSwitchMap.empty() || !ivASwitchMap) return;
+  // The first fill could not read the switch: a reader tries again rather
+  // than serve a switch without ports.
+  if (!refreshSwitchAndPort_nl()) return;
+  TRACE_ERROR(kUnit, "switch %s read after a failed first fill\n",
+              currentSwitch_nl()->ivSwitchInfo.name.c_str());
+  initAwwpnMap();
+  if (!ivActiveZoneSetRead) refreshActiveZoneSet_nl();
+}
+
+void FabricCache::healActiveZoneSet_nl() {
+  if (ivActiveZoneSetRead) return;
+  healSwitch_nl();
+  ivActiveZoneSet = zoneset_t();
+  ivActiveZone2MemberMap.clear();
+  refreshActiveZoneSet_nl();
 }
 
 void FabricCache::fillDummySwitchFCPort() {
@@ -84,21 +103,28 @@ void FabricCache::clearAwwpnMap() {
   if (ivASwitchMap) ivASwitchMap->clear();
 }
 
-void FabricCache::refreshFabric_nl() {
+int FabricCache::refreshFabric_nl() {
   std::unique_ptr<fabric_info_t> fab(new (std::nothrow) fabric_info_t());
   assert(fab);
   const int ret = rs_api_client_mq::get_fabric_info(*fab);
   if (ret != 0) {
     TRACE_ERROR(kUnit, "rs_api_client_mq::get_fabric_info() failed ret=%d\n", ret);
-    return;
+    return ret;
   }
   ivpFabricInfo = std::move(fab);
+  return 0;
 }
 
 int FabricCache::cacheAndRefreshFabric() {
   fcbb::MutexLock lock(ivLock);
   std::unique_ptr<fabric_info_t> old = std::move(ivpFabricInfo);
-  refreshFabric_nl();
+  const int ret = refreshFabric_nl();
+  if (ret < 0) {
+    // No answer from the daemon says nothing about the fabric.
+    ivpFabricInfo = std::move(old);
+    return CHANGE_FLAG_NONE;
+  }
+  if (ret == 0) ivFabricRead = true;
   if (isEqualFabric(old.get(), ivpFabricInfo.get())) return CHANGE_FLAG_NONE;
   ivpPrevFabricInfo = std::move(old);
   if (!ivpPrevFabricInfo && ivpFabricInfo) return CHANGE_FLAG_CREATE;
@@ -106,34 +132,55 @@ int FabricCache::cacheAndRefreshFabric() {
   return CHANGE_FLAG_MODIFY;
 }
 
-void FabricCache::refreshSwitchAndPort_nl() {
+std::unique_ptr<FabricCache::switch_record> FabricCache::readSwitch_nl() {
   std::unique_ptr<switch_record> swirec(new (std::nothrow) switch_record());
   assert(swirec);
   int ret = rs_api_client_mq::get_switch_info(swirec->ivSwitchInfo);
   if (ret != 0) {
     TRACE_ERROR(kUnit, "rs_api_client_mq::get_switch_info() failed ret=%d\n", ret);
-    return;
+    return nullptr;
   }
   ret = rs_api_client_mq::get_switch_product_info(swirec->ivSwitchProductInfo);
   if (ret != 0) {
     TRACE_ERROR(kUnit, "rs_api_client_mq::get_switch_product_info() failed ret=%d\n", ret);
-    return;
+    return nullptr;
   }
   ret = rs_api_client_mq::get_switch_fc_port_info(swirec->ivSwitchFcPortInfoList);
   if (ret != 0) {
     TRACE_ERROR(kUnit, "rs_api_client_mq::get_switch_fc_port_info() failed ret=%d\n", ret);
-    return;
+    return nullptr;
   }
+  return swirec;
+}
+
+bool FabricCache::refreshSwitchAndPort_nl() {
+  std::unique_ptr<switch_record> swirec = readSwitch_nl();
+  if (!swirec) return false;
   const std::string name = swirec->ivSwitchInfo.name;
   ivSwitchMap.emplace(name, std::move(swirec));  // an existing entry stays
+  return true;
 }
 
 int FabricCache::cacheAndRefreshSwitch() {
   fcbb::MutexLock lock(ivLock);
+  // A switch whose records cannot be read is not a deleted switch: the
+  // daemon that answers runs on it. The last good state stays.
+  std::unique_ptr<switch_record> fresh = readSwitch_nl();
+  if (!fresh) {
+    TRACE_ERROR(kUnit, "switch refresh failed; the cached switch stays\n");
+    return CHANGE_FLAG_NONE;
+  }
   std::unique_ptr<switch_record> old;
   if (!ivSwitchMap.empty()) old = std::move(ivSwitchMap.begin()->second);
   ivSwitchMap.clear();
-  refreshSwitchAndPort_nl();
+  const std::string name = fresh->ivSwitchInfo.name;
+  ivSwitchMap.emplace(name, std::move(fresh));
+  // The port list came with the switch: the port name mapping follows it.
+  if (ivASwitchMap && ivASwitchMap->isMapValid()) {
+    updateAwwpnMap();
+  } else {
+    initAwwpnMap();
+  }
   if (isEqualSwitch(old.get(), currentSwitch_nl())) return CHANGE_FLAG_NONE;
   ivPrevSwitchMap.clear();
   if (old) {
@@ -147,6 +194,7 @@ int FabricCache::cacheAndRefreshSwitch() {
 
 int FabricCache::cacheAndRefreshSwitchPort(int port_index) {
   fcbb::MutexLock lock(ivLock);
+  healSwitch_nl();
   if (ivSwitchMap.empty()) {
     TRACE_ERROR(kUnit, "SwitchMap is empty\n");
     return CHANGE_FLAG_NONE;
@@ -158,7 +206,6 @@ int FabricCache::cacheAndRefreshSwitchPort(int port_index) {
       ivPrevSwitchMap.emplace(entry.first, std::unique_ptr<switch_record>(new switch_record(*entry.second)));
     }
   }
-  refreshSwitchAndPort_nl();
   switch_fc_port_info_tA freshList;
   if (rs_api_client_mq::get_switch_fc_port_info(freshList) != 0) {
     TRACE_ERROR(kUnit, "Could not Read switch fc port info\n");
@@ -205,6 +252,8 @@ void FabricCache::refreshActiveZoneSet() {
 }
 
 void FabricCache::refreshActiveZoneSet_nl() {
+  // Read again by the next reader until a refresh gets through whole.
+  ivActiveZoneSetRead = false;
   const switch_record* current = currentSwitch_nl();
   if (current == nullptr) return;
   const std::string service = current->ivSwitchInfo.name;
@@ -243,6 +292,7 @@ void FabricCache::refreshActiveZoneSet_nl() {
     }
     ivActiveZone2MemberMap.emplace(zone, std::move(members));
   }
+  ivActiveZoneSetRead = true;
 }
 
 // ---------------------------------------------------------------------------
@@ -256,7 +306,15 @@ int FabricCache::get_fabric_info(fabric_info_t& Fabric) {
       return 0;
     }
   }
-  return rs_api_client_mq::get_fabric_info(Fabric);
+  const int ret = rs_api_client_mq::get_fabric_info(Fabric);
+  fcbb::MutexLock lock(ivLock);
+  // Kept when the first fill could not read it; a fabric that an event
+  // found gone stays gone until an event brings it back.
+  if (ret == 0 && !ivFabricRead && !ivpFabricInfo) {
+    ivpFabricInfo.reset(new (std::nothrow) fabric_info_t(Fabric));
+    ivFabricRead = ivpFabricInfo != nullptr;
+  }
+  return ret;
 }
 
 int FabricCache::get_switch_info(switch_info_t& SwitchInfo) {
@@ -275,6 +333,7 @@ int FabricCache::get_switch_info(switch_info_t& SwitchInfo) {
 int FabricCache::get_switch_product_info(switch_product_info_t& SwitchProductInfo) {
   {
     fcbb::MutexLock lock(ivLock);
+    healSwitch_nl();
     if (const switch_record* current = currentSwitch_nl()) {
       SwitchProductInfo = current->ivSwitchProductInfo;
       return 0;
@@ -285,6 +344,7 @@ int FabricCache::get_switch_product_info(switch_product_info_t& SwitchProductInf
 
 int FabricCache::get_switch_fc_port_info(switch_fc_port_info_tA& SwitchFcPortInfo) {
   fcbb::MutexLock lock(ivLock);
+  healSwitch_nl();
   if (const switch_record* current = currentSwitch_nl()) {
     SwitchFcPortInfo = current->ivSwitchFcPortInfoList;
     return 0;
@@ -294,6 +354,7 @@ int FabricCache::get_switch_fc_port_info(switch_fc_port_info_tA& SwitchFcPortInf
 
 int FabricCache::get_switch_fc_port_info(int port_index, switch_fc_port_info_t& orPort) {
   fcbb::MutexLock lock(ivLock);
+  healSwitch_nl();
   const switch_record* current = currentSwitch_nl();
   const switch_fc_port_info_t* port =
       current != nullptr ? findSwitchPort(current->ivSwitchFcPortInfoList, port_index) : nullptr;
@@ -313,6 +374,7 @@ int FabricCache::get_switch_name(string_t& Name) {
 
 int FabricCache::get_protocol_endpoint_info(protocol_endpoint_info_tA& EndPointInfo) {
   fcbb::MutexLock lock(ivLock);
+  healSwitch_nl();
   std::string switchName;
   int ret = getSwitchName_nl(switchName);
   if (ret != 0) return ret;
@@ -334,6 +396,7 @@ int FabricCache::get_protocol_endpoint_info(protocol_endpoint_info_tA& EndPointI
 
 int FabricCache::get_active_zone_set(string_t /*ZoneServiceName*/, zoneset_t& ZoneSet) {
   fcbb::MutexLock lock(ivLock);
+  healActiveZoneSet_nl();
   ZoneSet = ivActiveZoneSet;
   return 0;
 }
@@ -342,6 +405,7 @@ int FabricCache::get_all_active_zone_members_in_zone(const std::string& /*zone_s
                                                      const std::string& zone_name,
                                                      zone_member_set& orMembers) {
   fcbb::MutexLock lock(ivLock);
+  healActiveZoneSet_nl();
   auto found = ivActiveZone2MemberMap.find(zone_name);
   if (found != ivActiveZone2MemberMap.end()) orMembers = found->second;
   return 0;
@@ -349,6 +413,7 @@ int FabricCache::get_all_active_zone_members_in_zone(const std::string& /*zone_s
 
 std::string FabricCache::physicalPortName(const std::string& irName) {
   fcbb::MutexLock lock(ivLock);
+  healSwitch_nl();
   std::string physical;
   if (ivASwitchMap && ivASwitchMap->getPhysicalName(irName, physical)) return physical;
   return irName;
@@ -372,6 +437,7 @@ int FabricCache::get_attached_node_fc_port_info(string_t SwitchPortName,
 
 int FabricCache::get_artificial_switch_fc_port_info(switch_fc_port_info_tA& orPorts) {
   fcbb::MutexLock lock(ivLock);
+  healSwitch_nl();
   if (ivASwitchMap) {
     ivASwitchMap->getPortObjects(orPorts);
   } else {
@@ -382,6 +448,7 @@ int FabricCache::get_artificial_switch_fc_port_info(switch_fc_port_info_tA& orPo
 
 int FabricCache::get_artificial_switch_fc_port_names(std::vector<std::string>& orNames) {
   fcbb::MutexLock lock(ivLock);
+  healSwitch_nl();
   if (ivASwitchMap) {
     ivASwitchMap->getAwwpns(orNames);
   } else {
@@ -392,11 +459,13 @@ int FabricCache::get_artificial_switch_fc_port_names(std::vector<std::string>& o
 
 std::uint64_t FabricCache::getNodewwn(std::uint64_t ipWwpn) {
   fcbb::MutexLock lock(ivLock);
+  healSwitch_nl();
   return ivASwitchMap ? ivASwitchMap->getNodewwn(ipWwpn) : 0;
 }
 
 std::uint64_t FabricCache::getITwwpn(std::uint64_t ipAwwpn) {
   fcbb::MutexLock lock(ivLock);
+  healSwitch_nl();
   return ivASwitchMap ? ivASwitchMap->getITwwpn(ipAwwpn) : 0;
 }
 

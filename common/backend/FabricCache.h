@@ -9,6 +9,13 @@
 // say what kind of change they saw and keep the state from before it for
 // the prev_ readers, and through refreshActiveZoneSet().
 //
+// Parts the first fill could not read are read again by the next reader
+// that needs them (the switch with its ports and port name mapping, the
+// active zone set, the fabric), so a daemon that failed once at start-up
+// is not served as an empty switch for ever. A refresh whose read fails
+// keeps the last good state and reports no change; only the daemon's own
+// answer that the fabric is not there reports it deleted.
+//
 // Results are 0 or the daemon's non-zero status. One lock guards every
 // member; operations ending in _nl expect it held. Lock order: the cache's
 // lock before the request client's, never the other way round.
@@ -64,7 +71,8 @@ class FabricCache : public rs_api_client_mq {
 
   // Re-read one kind of object; the result is a change_flag. A port event
   // names the port by its port_index. Every port refresh of a port known
-  // on either side reports a modification, even when nothing changed.
+  // on either side reports a modification, even when nothing changed. A
+  // switch refresh also brings the port name mapping up to date.
   int cacheAndRefreshFabric();
   int cacheAndRefreshSwitch();
   int cacheAndRefreshSwitchPort(int port_index);
@@ -130,9 +138,17 @@ class FabricCache : public rs_api_client_mq {
  private:
   typedef std::map<std::string, std::unique_ptr<switch_record>> SwitchMap;
 
-  void refreshFabric_nl();
-  void refreshSwitchAndPort_nl();
+  // 0, or the failed read's result (logged); the record stays on failure.
+  int refreshFabric_nl();
+  // The switch, its product record and its ports, or null (logged).
+  std::unique_ptr<switch_record> readSwitch_nl();
+  // Adds the switch read now unless one of its name is cached; false
+  // when the read failed.
+  bool refreshSwitchAndPort_nl();
   void refreshActiveZoneSet_nl();
+  // Read again what the first fill could not read (see the class comment).
+  void healSwitch_nl();
+  void healActiveZoneSet_nl();
   void fillDummySwitchFCPort();
   void initAwwpnMap();
   void updateAwwpnMap();
@@ -149,6 +165,8 @@ class FabricCache : public rs_api_client_mq {
   SwitchMap ivPrevSwitchMap;
   zoneset_t ivActiveZoneSet;
   std::map<std::string, zone_member_set> ivActiveZone2MemberMap;
+  bool ivFabricRead = false;         // a fabric read got through since the start
+  bool ivActiveZoneSetRead = false;  // the last zone set refresh got through whole
 };
 
 #endif  // QRX_COMMON_BACKEND_FABRICCACHE_H_

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,17 +18,57 @@ namespace {
 
 using switchsim::FabricModel;
 
-// The simulated switch, with one alias whose member query fails.
+// The simulated switch, with one alias whose member query fails, and
+// calls that fail a given number of times with the daemon's status.
 class Daemon : public switchsim::SimulatedSwitch {
  public:
   explicit Daemon(FabricModel& irModel) : SimulatedSwitch(irModel) {}
   std::string failingAlias;
+  std::map<std::string, int> failures;  // call -> times still to fail
 
   int get_zone_members_in_zone_alias(string_t ZoneServiceName, string_t AliasName,
                                      zone_member_data_tA& ZoneMemberData) override {
     if (AliasName == failingAlias) return 0x8101;
     return SimulatedSwitch::get_zone_members_in_zone_alias(ZoneServiceName, AliasName,
                                                            ZoneMemberData);
+  }
+  int get_switch_info(switch_info_t& o) override {
+    return fails("get_switch_info") ? 0x810a : SimulatedSwitch::get_switch_info(o);
+  }
+  int get_switch_fc_port_info(switch_fc_port_info_tA& o) override {
+    return fails("get_switch_fc_port_info") ? 0x810a : SimulatedSwitch::get_switch_fc_port_info(o);
+  }
+  int get_active_zone_set(string_t s, zoneset_t& o) override {
+    return fails("get_active_zone_set") ? 0x810a : SimulatedSwitch::get_active_zone_set(s, o);
+  }
+  int get_fabric_info(fabric_info_t& o) override {
+    return fails("get_fabric_info") ? 0x810a : SimulatedSwitch::get_fabric_info(o);
+  }
+
+ private:
+  bool fails(const std::string& irCall) {
+    auto it = failures.find(irCall);
+    if (it == failures.end() || it->second == 0) return false;
+    --it->second;
+    return true;
+  }
+};
+
+// Cuts the next replies short, as a reply that does not decode: a local
+// failure of the request client, not an answer of the daemon.
+class CuttingPipe : public qrxtest::DispatchPipe {
+ public:
+  using DispatchPipe::DispatchPipe;
+  int cutNext = 0;
+
+ protected:
+  Reply answer(const qrxtest::Bytes& irRequest) override {
+    Reply reply = DispatchPipe::answer(irRequest);
+    if (cutNext > 0) {
+      --cutNext;
+      reply.data.resize(6);  // status 0, then two bytes of a result
+    }
+    return reply;
   }
 };
 
@@ -40,7 +81,7 @@ class FabricCacheTest : public ::testing::Test {
 
   FabricModel ivModel;
   Daemon ivDaemon;
-  qrxtest::DispatchPipe ivPipe;
+  CuttingPipe ivPipe;
   FabricCache ivCache;
   TraceCapture ivTrace;
 };
@@ -66,6 +107,63 @@ TEST_F(FabricCacheTest, FabricThatVanishesAndReturns) {
   EXPECT_EQ(77, now.vlan);
   ivCache.prev_fabric_info(previous);
   EXPECT_NE(77, previous.vlan);
+}
+
+TEST_F(FabricCacheTest, PartsTheFirstFillMissedAreReadByTheNextReader) {
+  ivDaemon.failures = {{"get_switch_fc_port_info", 1}, {"get_active_zone_set", 1},
+                       {"get_fabric_info", 1}};
+  ivCache.initCache();
+  std::vector<std::string> names;
+  ivCache.get_artificial_switch_fc_port_names(names);
+  EXPECT_EQ(ivModel.ports.size(), names.size());
+  EXPECT_TRUE(ivTrace.contains("read after a failed first fill"));
+  zoneset_t active;
+  ivCache.get_active_zone_set("", active);
+  EXPECT_EQ(ivModel.activeZoneSet, active);
+  fabric_info_t fabric;
+  ASSERT_EQ(0, ivCache.get_fabric_info(fabric));
+  // Now cached: a change is seen by the next fabric event.
+  ivModel.fabric.vlan = 4000;
+  EXPECT_EQ(CHANGE_FLAG_MODIFY, ivCache.cacheAndRefreshFabric());
+
+  // A switch event after a failed first fill creates the switch, ports and
+  // all; so does a port event.
+  FabricCache other(ivPipe);
+  ivDaemon.failures = {{"get_switch_info", 1}};
+  other.initCache();
+  EXPECT_EQ(CHANGE_FLAG_CREATE, other.cacheAndRefreshSwitch());
+  other.get_artificial_switch_fc_port_names(names);
+  EXPECT_EQ(ivModel.ports.size(), names.size());
+  FabricCache third(ivPipe);
+  ivDaemon.failures = {{"get_switch_info", 1}};
+  third.initCache();
+  EXPECT_EQ(CHANGE_FLAG_MODIFY, third.cacheAndRefreshSwitchPort(port(2).info.port_index));
+  third.get_artificial_switch_fc_port_names(names);
+  EXPECT_EQ(ivModel.ports.size(), names.size());
+}
+
+TEST_F(FabricCacheTest, FailedRefreshesKeepTheLastGoodState) {
+  ivCache.initCache();
+  ivModel.switchInfo.switch_state = 3;
+  ivDaemon.failures = {{"get_switch_info", 1}};
+  EXPECT_EQ(CHANGE_FLAG_NONE, ivCache.cacheAndRefreshSwitch());
+  EXPECT_TRUE(ivTrace.contains("the cached switch stays"));
+  // Still there: port events are handled, and the change is seen next time.
+  EXPECT_EQ(CHANGE_FLAG_MODIFY, ivCache.cacheAndRefreshSwitchPort(port(0).info.port_index));
+  EXPECT_FALSE(ivTrace.contains("SwitchMap is empty"));
+  EXPECT_EQ(CHANGE_FLAG_MODIFY, ivCache.cacheAndRefreshSwitch());
+
+  // A fabric reply that does not decode says nothing about the fabric.
+  ivPipe.cutNext = 1;
+  EXPECT_EQ(CHANGE_FLAG_NONE, ivCache.cacheAndRefreshFabric());
+  fabric_info_t fabric;
+  ASSERT_EQ(0, ivCache.get_fabric_info(fabric));
+  EXPECT_EQ(ivModel.fabric, fabric);
+  // Nor does a port list that does not decode.
+  ivPipe.cutNext = 1;
+  EXPECT_EQ(CHANGE_FLAG_NONE, ivCache.cacheAndRefreshSwitchPort(port(0).info.port_index));
+  switch_fc_port_info_t cached;
+  EXPECT_EQ(0, ivCache.get_switch_fc_port_info(port(0).info.port_index, cached));
 }
 
 TEST_F(FabricCacheTest, SwitchChangesAndTheAddressOverlay) {
