@@ -50,6 +50,11 @@ void sleepMs(unsigned ipMs) {
 
 bool isQuery(const std::string& irFunction) { return irFunction.rfind("rs_api_get_", 0) == 0; }
 
+// The frames a reply of `ipLength` data bytes takes.
+std::size_t framesOf(std::size_t ipLength) {
+  return std::max<std::size_t>(1, (ipLength + kFrameData - 1) / kFrameData);
+}
+
 }  // namespace
 
 SimServer::SimServer(Dispatch irDispatch, FaultTable& irFaults, RequestLog& irLog,
@@ -136,10 +141,10 @@ void SimServer::failPending(const std::string& irWhy) {
              std::to_string(ivPending.frames) + " frames dropped: " + irWhy);
   ivPending = Pending();
   const std::size_t length = encodeStatus(kStatusBadArguments);
-  const unsigned frames = sendReply(reqId, length, "?");
   ivrLog.add("reply req_id=" + std::to_string(reqId) + " function=? status=" +
              std::to_string(kStatusBadArguments) + " (bad-arguments) bytes=" +
-             std::to_string(length) + " frames=" + std::to_string(frames));
+             std::to_string(length) + " frames=" + std::to_string(framesOf(length)));
+  sendReply(reqId, length, "?");
 }
 
 void SimServer::onMessage(const unsigned char* ipBytes, std::size_t ipLength) {
@@ -206,13 +211,16 @@ void SimServer::serve(std::uint32_t ipReqId, const std::vector<unsigned char>& i
     length = encodeReply(irData, &function, &status, &note);
   }
   const std::uint32_t replyId = faulted && fault.wrongReqId ? ipReqId + 1 : ipReqId;
-  const unsigned frames = sendReply(replyId, length, shown);
+  // Logged before it leaves: whoever reads the reply finds its line. A
+  // reply that cannot be sent whole gets an error line after it.
   std::string line = "reply req_id=" + std::to_string(replyId) + " function=" + shown +
                      " status=" + std::to_string(status) + " (" + statusName(status) +
-                     ") bytes=" + std::to_string(length) + " frames=" + std::to_string(frames);
+                     ") bytes=" + std::to_string(length) + " frames=" +
+                     std::to_string(framesOf(length));
   if (faulted) line += " fault: " + describeFault(fault);
   if (!note.empty()) line += " note: " + note;
   ivrLog.add(line);
+  sendReply(replyId, length, shown);
 }
 
 std::size_t SimServer::encodeReply(const std::vector<unsigned char>& irData,
@@ -249,10 +257,10 @@ std::size_t SimServer::encodeStatus(std::uint32_t ipStatus) {
   return reply.getWrittenLen();
 }
 
-unsigned SimServer::sendReply(std::uint32_t ipReqId, std::size_t ipLength,
+void SimServer::sendReply(std::uint32_t ipReqId, std::size_t ipLength,
                               const std::string& irFunction) {
   unsigned char frame[fcbb::kMaxFrameSize];
-  const std::size_t count = std::max<std::size_t>(1, (ipLength + kFrameData - 1) / kFrameData);
+  const std::size_t count = framesOf(ipLength);
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t offset = i * kFrameData;
     const std::size_t chunk = std::min(kFrameData, ipLength - offset);
@@ -273,12 +281,11 @@ unsigned SimServer::sendReply(std::uint32_t ipReqId, std::size_t ipLength,
                    " frames: " +
                    (sent < 0 ? std::string("send failed: ") + std::strerror(errno)
                              : "the reply queue stayed full"));
-        return static_cast<unsigned>(i);
+        return;
       }
       sleepMs(1);
     }
   }
-  return static_cast<unsigned>(count);
 }
 
 }  // namespace switchsim

@@ -29,7 +29,8 @@
 // that finds the reply queue full is retried every millisecond; after
 // sendTimeoutMs the rest of the reply is dropped with an error line.
 //
-// Log lines (RequestLog):
+// Log lines (RequestLog; a reply's line is written before its first frame
+// is sent):
 //   request req_id=<n> function=<name> bytes=<data bytes> frames=<n>
 //   reply req_id=<n> function=<name> status=<n> (<name>) bytes=<n> frames=<n>
 //       [fault: ...] [note: ...]
@@ -105,8 +106,9 @@ class SimServer {
   std::size_t encodeReply(const std::vector<unsigned char>& irData, std::string* orFunction,
                           std::uint32_t* opStatus, std::string* orNote);
   std::size_t encodeStatus(std::uint32_t ipStatus);
-  // Sends `ipLength` bytes of ivReplyBuffer as frames; returns the frames sent.
-  unsigned sendReply(std::uint32_t ipReqId, std::size_t ipLength, const std::string& irFunction);
+  // Sends `ipLength` bytes of ivReplyBuffer as frames; logs an error line
+  // when it cannot send them all.
+  void sendReply(std::uint32_t ipReqId, std::size_t ipLength, const std::string& irFunction);
   void closeQueues();
 
   Dispatch ivDispatch;
