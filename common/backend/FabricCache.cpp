@@ -98,6 +98,17 @@ void FabricCache::updateAwwpnMap() {
   ivASwitchMap->update(current != nullptr ? current->ivSwitchFcPortInfoList : switch_fc_port_info_tA());
 }
 
+void FabricCache::followPortList_nl() {
+  if (!ivASwitchMap) return;
+  const switch_record* current = currentSwitch_nl();
+  if (current == nullptr || current->ivSwitchFcPortInfoList.empty()) ivASwitchMap->setMapValid(false);
+  if (ivASwitchMap->isMapValid()) {
+    updateAwwpnMap();
+  } else {
+    initAwwpnMap();
+  }
+}
+
 void FabricCache::clearAwwpnMap() {
   fcbb::MutexLock lock(ivLock);
   if (ivASwitchMap) ivASwitchMap->clear();
@@ -175,17 +186,12 @@ int FabricCache::cacheAndRefreshSwitch() {
   ivSwitchMap.clear();
   const std::string name = fresh->ivSwitchInfo.name;
   ivSwitchMap.emplace(name, std::move(fresh));
-  // The port list came with the switch: the port name mapping follows it.
-  if (ivASwitchMap && ivASwitchMap->isMapValid()) {
-    updateAwwpnMap();
-  } else {
-    initAwwpnMap();
-  }
+  followPortList_nl();  // the port list came with the switch
   if (isEqualSwitch(old.get(), currentSwitch_nl())) return CHANGE_FLAG_NONE;
   ivPrevSwitchMap.clear();
   if (old) {
-    const std::string name = old->ivSwitchInfo.name;
-    ivPrevSwitchMap.emplace(name, std::move(old));
+    const std::string oldName = old->ivSwitchInfo.name;
+    ivPrevSwitchMap.emplace(oldName, std::move(old));
   }
   if (ivPrevSwitchMap.empty() && !ivSwitchMap.empty()) return CHANGE_FLAG_CREATE;
   if (!ivPrevSwitchMap.empty() && ivSwitchMap.empty()) return CHANGE_FLAG_DELETE;
@@ -235,12 +241,7 @@ int FabricCache::cacheAndRefreshSwitchPort(int port_index) {
     *cached = *fresh;
   }
 
-  if (currentList.empty()) ivASwitchMap->setMapValid(false);
-  if (ivASwitchMap->isMapValid()) {
-    updateAwwpnMap();
-  } else {
-    initAwwpnMap();
-  }
+  followPortList_nl();
   return result;
 }
 

@@ -152,6 +152,9 @@ class FabricCache : public rs_api_client_mq {
   void fillDummySwitchFCPort();
   void initAwwpnMap();
   void updateAwwpnMap();
+  // Brings the port name mapping to the current port list: updated while
+  // valid, rebuilt otherwise (an empty list makes it invalid).
+  void followPortList_nl();
   int getSwitchName_nl(std::string& orName);
   switch_record* currentSwitch_nl() const;
   std::string physicalPortName(const std::string& irName);
