@@ -155,8 +155,16 @@ class Stress {
   }
 
  private:
+  // Held while a request runs; endOfRequests() waits for none to run.
+  // Requests pass the turnstile first, so that the reaper is not starved
+  // by readers that never all leave at once.
+  std::shared_lock<std::shared_mutex> enterRequest() {
+    std::lock_guard<std::mutex> pass(ivTurnstile);
+    return std::shared_lock<std::shared_mutex>(ivRequestLock);
+  }
+
   bool answer(unsigned ipKind, unsigned ipSeed) {
-    std::shared_lock<std::shared_mutex> inRequest(ivRequestLock);
+    const std::shared_lock<std::shared_mutex> inRequest = enterRequest();
     const std::size_t port = ipSeed % ivExpected.portNames.size();
     switch (ipKind) {
       case 0:
@@ -210,7 +218,7 @@ class Stress {
  public:
   // The OperationalStatus the library gives for `ipPort` now, or -1.
   int portStatus(std::size_t ipPort) {
-    std::shared_lock<std::shared_mutex> inRequest(ivRequestLock);
+    const std::shared_lock<std::shared_mutex> inRequest = enterRequest();
     Outcome got = cimhost::getInstance(ivSession, portPath(ipPort), ivNoProperties);
     if (got.failure != Outcome::Failure::None || got.instances.size() != 1) return -1;
     const CMPIData status = CMGetProperty(got.instances[0], "OperationalStatus", nullptr);
@@ -221,6 +229,7 @@ class Stress {
   // as an object manager does at the end of its requests; waits until no
   // request is running.
   void endOfRequests() {
+    std::lock_guard<std::mutex> closed(ivTurnstile);
     std::unique_lock<std::shared_mutex> alone(ivRequestLock);
     const CMPIBroker* broker = ivBroker.broker();
     if (ivMark != nullptr) broker->mft->release(broker, ivMark);
@@ -262,6 +271,7 @@ class Stress {
   cimhost::Session ivSession;
   const Expected& ivExpected;
   cimhost::PropertyList ivNoProperties;
+  std::mutex ivTurnstile;
   std::shared_mutex ivRequestLock;
   const CMPIGcStat* ivMark = nullptr;
   std::atomic<std::uint64_t> ivKindNs[kKinds] = {};
