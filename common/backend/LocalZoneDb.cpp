@@ -32,10 +32,12 @@ template <class SetT, class DataT>
 void diff(cuint16 ipKind, const std::string& irName, const SetT& irFrom, const SetT& irTo,
           const DataT& irData, zone_operation_tA& orRemove, zone_operation_tA& orAdd) {
   for (const auto& element : irFrom) {
-    if (irTo.count(element) == 0) orRemove.push_back(operation(ZONE_OP_REMOVE, ipKind, irName, irData(element)));
+    if (irTo.count(element) == 0)
+      orRemove.push_back(operation(ZONE_OP_REMOVE, ipKind, irName, irData(element)));
   }
   for (const auto& element : irTo) {
-    if (irFrom.count(element) == 0) orAdd.push_back(operation(ZONE_OP_ADD, ipKind, irName, irData(element)));
+    if (irFrom.count(element) == 0)
+      orAdd.push_back(operation(ZONE_OP_ADD, ipKind, irName, irData(element)));
   }
 }
 
@@ -187,16 +189,16 @@ int ZoneDb::switchEdit_nl(int ipRc) {
 }
 
 // A switch call of the client, or -1 without one.
-#define ZONEDB_CALL(call)                  \
-  do {                                     \
-    rs_api_client* c = client();           \
-    return c == nullptr ? -1 : c->call;    \
+#define ZONEDB_CALL(call)               \
+  do {                                  \
+    rs_api_client* c = client();        \
+    return c == nullptr ? -1 : c->call; \
   } while (0)
 
-#define ZONEDB_EDIT(call)                                   \
-  do {                                                      \
-    rs_api_client* c = client();                            \
-    return c == nullptr ? -1 : switchEdit_nl(c->call);      \
+#define ZONEDB_EDIT(call)                              \
+  do {                                                 \
+    rs_api_client* c = client();                       \
+    return c == nullptr ? -1 : switchEdit_nl(c->call); \
   } while (0)
 
 // ---- queries ----
@@ -270,7 +272,8 @@ int ZoneDb::get_all_zone_members(const std::string& irService, zone_member_data_
   ZoneDbMemberSet all;
   for (const auto& entry : ivZones) {
     const ZoneDbZone* zone = entry.second.getLive();
-    if (zone != nullptr) all.insert(zone->getAllZoneMembers().begin(), zone->getAllZoneMembers().end());
+    if (zone != nullptr)
+      all.insert(zone->getAllZoneMembers().begin(), zone->getAllZoneMembers().end());
   }
   assignMembers(all, orMembers);
   return ZONEDB_RC_OK;
@@ -282,7 +285,8 @@ int ZoneDb::get_all_alias_members(const std::string& irService, zone_member_data
   ZoneDbMemberSet all;
   for (const auto& entry : ivAliases) {
     const ZoneDbZoneAlias* alias = entry.second.getLive();
-    if (alias != nullptr) all.insert(alias->getAllZoneMembers().begin(), alias->getAllZoneMembers().end());
+    if (alias != nullptr)
+      all.insert(alias->getAllZoneMembers().begin(), alias->getAllZoneMembers().end());
   }
   assignMembers(all, orMembers);
   return ZONEDB_RC_OK;
@@ -432,7 +436,8 @@ int ZoneDb::delete_zone_set(const std::string& irService, const std::string& irN
   ZoneDbNameSet zones = zoneSet->getAllZones();
   for (const ZoneDbObjectName& other : ivZoneSets.names(true)) {
     if (other == irName) continue;
-    for (const ZoneDbObjectName& shared : ivZoneSets.getObject(other)->getAllZones()) zones.erase(shared);
+    for (const ZoneDbObjectName& shared : ivZoneSets.getObject(other)->getAllZones())
+      zones.erase(shared);
   }
   for (const ZoneDbObjectName& zone : zones) {
     TRACE_DEBUG("Deleting Zone from ZoneDB %s\n", zone.c_str());
@@ -710,40 +715,44 @@ void ZoneDb::reset() {
 
 void ZoneDb::collectAliasChanges(zone_operation_tA& orRemove, zone_operation_tA& orDelete,
                                  zone_operation_tA& orCreate, zone_operation_tA& orAdd) const {
-  collect(ivAliases, ZONE_KIND_ALIAS,
-          [](const ZoneDbZoneAlias& irOld, const ZoneDbZoneAlias& irNew, zone_operation_tA& orR,
-             zone_operation_tA& orA) {
-            diff(ZONE_KIND_ALIAS, irNew.getName(), irOld.getAllZoneMembers(),
-                 irNew.getAllZoneMembers(), memberData, orR, orA);
-          },
-          orRemove, orDelete, orCreate, orAdd);
+  collect(
+      ivAliases, ZONE_KIND_ALIAS,
+      [](const ZoneDbZoneAlias& irOld, const ZoneDbZoneAlias& irNew, zone_operation_tA& orR,
+         zone_operation_tA& orA) {
+        diff(ZONE_KIND_ALIAS, irNew.getName(), irOld.getAllZoneMembers(), irNew.getAllZoneMembers(),
+             memberData, orR, orA);
+      },
+      orRemove, orDelete, orCreate, orAdd);
 }
 
 void ZoneDb::collectZoneChanges(zone_operation_tA& orRemove, zone_operation_tA& orDelete,
                                 zone_operation_tA& orCreate, zone_operation_tA& orAdd) const {
-  collect(ivZones, ZONE_KIND_ZONE,
-          [](const ZoneDbZone& irOld, const ZoneDbZone& irNew, zone_operation_tA& orR,
-             zone_operation_tA& orA) {
-            diff(ZONE_KIND_ZONE, irNew.getName(), irOld.getAllZoneMembers(),
-                 irNew.getAllZoneMembers(), memberData, orR, orA);
-            diff(ZONE_KIND_ZONE, irNew.getName(), irOld.getAllZoneAliases(),
-                 irNew.getAllZoneAliases(),
-                 [](const ZoneDbObjectName& irAlias) { return kindName(ZONE_KIND_ALIAS, irAlias); },
-                 orR, orA);
-          },
-          orRemove, orDelete, orCreate, orAdd);
+  collect(
+      ivZones, ZONE_KIND_ZONE,
+      [](const ZoneDbZone& irOld, const ZoneDbZone& irNew, zone_operation_tA& orR,
+         zone_operation_tA& orA) {
+        diff(ZONE_KIND_ZONE, irNew.getName(), irOld.getAllZoneMembers(), irNew.getAllZoneMembers(),
+             memberData, orR, orA);
+        diff(
+            ZONE_KIND_ZONE, irNew.getName(), irOld.getAllZoneAliases(), irNew.getAllZoneAliases(),
+            [](const ZoneDbObjectName& irAlias) { return kindName(ZONE_KIND_ALIAS, irAlias); }, orR,
+            orA);
+      },
+      orRemove, orDelete, orCreate, orAdd);
 }
 
 void ZoneDb::collectZoneSetChanges(zone_operation_tA& orRemove, zone_operation_tA& orDelete,
                                    zone_operation_tA& orCreate, zone_operation_tA& orAdd) const {
-  collect(ivZoneSets, ZONE_KIND_ZONESET,
-          [](const ZoneDbZoneSet& irOld, const ZoneDbZoneSet& irNew, zone_operation_tA& orR,
-             zone_operation_tA& orA) {
-            diff(ZONE_KIND_ZONESET, irNew.getName(), irOld.getAllZones(), irNew.getAllZones(),
-                 [](const ZoneDbObjectName& irZone) { return kindName(ZONE_KIND_ZONE, irZone); },
-                 orR, orA);
-          },
-          orRemove, orDelete, orCreate, orAdd);
+  collect(
+      ivZoneSets, ZONE_KIND_ZONESET,
+      [](const ZoneDbZoneSet& irOld, const ZoneDbZoneSet& irNew, zone_operation_tA& orR,
+         zone_operation_tA& orA) {
+        diff(
+            ZONE_KIND_ZONESET, irNew.getName(), irOld.getAllZones(), irNew.getAllZones(),
+            [](const ZoneDbObjectName& irZone) { return kindName(ZONE_KIND_ZONE, irZone); }, orR,
+            orA);
+      },
+      orRemove, orDelete, orCreate, orAdd);
 }
 
 int ZoneDb::commitChangesList(const std::string& irService, const char* ipListName,

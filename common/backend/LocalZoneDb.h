@@ -252,7 +252,8 @@ class ZoneDb {
   int delete_zone_set(const std::string& irService, const std::string& irName);
   int delete_zone(const std::string& irService, const std::string& irName);
   int delete_zone_alias(const std::string& irService, const std::string& irName);
-  int add_zone(const std::string& irService, const std::string& irZoneSet, const std::string& irZone);
+  int add_zone(const std::string& irService, const std::string& irZoneSet,
+               const std::string& irZone);
   int remove_zone(const std::string& irService, const std::string& irZoneSet,
                   const std::string& irZone);
   int add_zone_alias(const std::string& irService, const std::string& irZone,

@@ -44,8 +44,7 @@ bool ZoneEntityInstanceID::validate(char ipEntityType) const {
 }
 
 bool ZoneEntityInstanceID::fitsInstanceId(const std::string& irText) {
-  return irText.length() < sizeof(ZoneEntityInstanceID) &&
-         irText.find('\0') == std::string::npos;
+  return irText.length() < sizeof(ZoneEntityInstanceID) && irText.find('\0') == std::string::npos;
 }
 
 bool ZoneEntityInstanceID::fitsEntityName(const std::string& irName) {

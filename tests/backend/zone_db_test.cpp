@@ -179,7 +179,8 @@ TEST_F(ZoneDbTest, ASessionShowsItsOwnEditsAndCommitsTheDifference) {
   EXPECT_EQ(2u, members.size());
   ASSERT_EQ(0, ivDb.get_zone_members_in_zone_alias(ivService, "a_array_a", members));
   EXPECT_EQ(1u, members.size());
-  EXPECT_EQ(ZONEDB_RC_NOT_FOUND, ivDb.get_zone_members_in_zone(ivService, "z_host1_array_a", members));
+  EXPECT_EQ(ZONEDB_RC_NOT_FOUND,
+            ivDb.get_zone_members_in_zone(ivService, "z_host1_array_a", members));
   EXPECT_TRUE(ivTrace.contains("Zone z_host1_array_a not found"));
   ASSERT_EQ(0, ivDb.get_all_alias_members(ivService, members));
   EXPECT_EQ(7u, members.size());
@@ -226,8 +227,9 @@ TEST_F(ZoneDbTest, ASessionShowsItsOwnEditsAndCommitsTheDifference) {
   ASSERT_NE(nullptr, ivModel.zoning.findZone("z_new"));
   EXPECT_EQ(3u, ivModel.zoning.findZone("z_new")->member_list.size() +
                     ivModel.zoning.findZone("z_new")->alias_names.size());
-  EXPECT_EQ((string_tA{"z_host2_array_a", "z_vmhost_array_a", "z_host3_array_b", "z_backup", "z_new"}),
-            ivModel.zoning.findZoneSet("cfg_production")->zone_names);
+  EXPECT_EQ(
+      (string_tA{"z_host2_array_a", "z_vmhost_array_a", "z_host3_array_b", "z_backup", "z_new"}),
+      ivModel.zoning.findZoneSet("cfg_production")->zone_names);
   ASSERT_EQ(0, ivDb.get_zone_names(ivService, names));
   EXPECT_EQ(7u, names.size());
 }
@@ -310,8 +312,7 @@ TEST_F(ZoneDbTest, ResultCodesOfTheSessionAndTheLocalEdits) {
   EXPECT_EQ(ZONEDB_RC_ADD_FAILED, ivDb.add_zone_alias(ivService, "z_backup", "a_tape"));
   EXPECT_EQ(ZONEDB_RC_ADD_FAILED, ivDb.add_zone_member(ivService, "z_backup", member(3, "050000")));
   EXPECT_TRUE(ivTrace.contains("Unable to add Zone Member 3 - 050000 to Zone z_backup"));
-  EXPECT_EQ(ZONEDB_RC_ADD_FAILED,
-            ivDb.add_alias_member(ivService, "a_tape", member(4, "5,11")));
+  EXPECT_EQ(ZONEDB_RC_ADD_FAILED, ivDb.add_alias_member(ivService, "a_tape", member(4, "5,11")));
   EXPECT_EQ(ZONEDB_RC_NOT_FOUND, ivDb.add_zone(ivService, "cfg_none", "z_backup"));
   EXPECT_TRUE(ivTrace.contains("Unable to find ZoneSet cfg_none"));
   EXPECT_EQ(ZONEDB_RC_NOT_FOUND, ivDb.add_zone(ivService, "cfg_production", "z_none"));

@@ -56,7 +56,8 @@ TEST(ZoneEntityInstanceIDDeathTest, TheLibrarysOwnMisuseAborts) {
                "ipInstId && strlen\\(ipInstId\\) < sizeof\\(\\*this\\)");
   ZoneEntityInstanceID id(ZONE_ENTITY_ZONE, 0);
   EXPECT_DEATH(id.setSwitchWwn("10000e5a7100400"), "irSwitchWwn.length\\(\\) == WWN_MAX_SIZE");
-  EXPECT_DEATH(id.setEntityName(std::string(65, 'z')), "irName.length\\(\\) <= ENTITY_NAME_SIZE - 1");
+  EXPECT_DEATH(id.setEntityName(std::string(65, 'z')),
+               "irName.length\\(\\) <= ENTITY_NAME_SIZE - 1");
 }
 
 TEST(ConnectivityMemberTest, TypesTwoToSixAreAccepted) {
