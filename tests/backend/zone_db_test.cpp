@@ -49,6 +49,7 @@ class Daemon : public switchsim::SimulatedSwitch {
   }
   int session_terminate(string_t ipService) override {
     calls.push_back("terminate");
+    if (onUpdate) onUpdate();
     return SimulatedSwitch::session_terminate(ipService);
   }
 };
@@ -362,7 +363,11 @@ TEST_F(ZoneDbTest, DeletingAZoneSetTakesTheZonesNoOtherSetLists) {
 TEST_F(ZoneDbTest, TerminateDiscardsAlsoASessionOpenedElsewhere) {
   ASSERT_EQ(0, ivDb.session_start(ivService));
   ASSERT_EQ(0, ivDb.delete_zone(ivService, "z_backup"));
+  bool closing = false;
+  ivDaemon.onUpdate = [&] { closing = ivDb.isClosingSession(); };
   ASSERT_EQ(0, ivDb.session_terminate(ivService));
+  EXPECT_TRUE(closing);
+  EXPECT_FALSE(ivDb.isClosingSession());
   EXPECT_EQ((std::vector<std::string>{"start", "terminate"}), ivDaemon.calls);
   EXPECT_NE(nullptr, ivModel.zoning.findZone("z_backup"));
   EXPECT_EQ(ZONEDB_SESSION_NONE, ivDb.getSessionState());
