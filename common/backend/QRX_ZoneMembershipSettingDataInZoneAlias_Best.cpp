@@ -56,9 +56,7 @@ bool QRX_ZoneMembershipSettingDataInZoneAlias_Best::deleteInstance(
     return false;
   }
   const std::string service = alias.getSwitchWwn();
-  zone_member_data_t data;
-  data.member_type = static_cast<cuint16>(member.getMemberType());
-  data.member_id = member.getEntityName();
+  const zone_member_data_t data = zoning::memberOf(member);
   TRACE_DEBUG("Remove Member %d - %s from Alias %s\n", data.member_type, data.member_id.c_str(),
               alias.getEntityName().c_str());
   const int rc = ZoneDb::getInstance().remove_alias_member(service, alias.getEntityName(), data);

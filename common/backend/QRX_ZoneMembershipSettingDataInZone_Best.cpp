@@ -81,9 +81,7 @@ bool QRX_ZoneMembershipSettingDataInZone_Best::deleteInstance(
     return false;
   }
   const std::string service = zone.getSwitchWwn();
-  zone_member_data_t data;
-  data.member_type = static_cast<cuint16>(member.getMemberType());
-  data.member_id = member.getEntityName();
+  const zone_member_data_t data = zoning::memberOf(member);
   TRACE_DEBUG("Remove member %d - %s from zone %s\n", data.member_type, data.member_id.c_str(),
               zone.getEntityName().c_str());
   const int rc = ZoneDb::getInstance().remove_zone_member(service, zone.getEntityName(), data);

@@ -46,6 +46,31 @@ bool usableName(const std::string& irName) {
   return false;
 }
 
+// Creates the zone set, zone or alias a client names with `ipCreate` (the
+// ZoneDb call `ipCall`) and hands out its InstanceID.
+cuint32 createNamed(const std::string& irService, char ipType, const std::string& irName,
+                    int (ZoneDb::*ipCreate)(const std::string&, const std::string&),
+                    const char* ipCall, cstring& orInstanceId) {
+  if (!usableName(irName)) return kUnusable;
+  const int rc = (ZoneDb::getInstance().*ipCreate)(irService, irName);
+  if (rc != 0) {
+    TRACE_ERROR(kUnit, "%s(%s, %s) failed with rc %d\n", ipCall, irService.c_str(), irName.c_str(),
+                rc);
+    return static_cast<cuint32>(rc);
+  }
+  orInstanceId = makeZoneInstanceId(ipType, irService, irName);
+  return 0;
+}
+
+// A zone set, zone or alias InstanceID argument (`ipWhat` names it in the
+// error line).
+bool readArgument(const std::string& irText, char ipType, const char* ipWhat,
+                  ZoneEntityInstanceID& orId) {
+  if (zoning::readId(irText, ipType, orId)) return true;
+  TRACE_ERROR(kUnit, "Error, %s InstanceID %s is not as expected\n", ipWhat, irText.c_str());
+  return false;
+}
+
 // Adds a member (an alias when its type is ConnectivityCollection) to the
 // zone or alias `irCollection` names.
 cuint32 addMember(const std::string& irService, const ZoneEntityInstanceID& irCollection,
@@ -171,22 +196,13 @@ cuint32 QRX_ZoneService_Best::CreateZoneSet(const QRX_ZoneService_Key& key, cstr
                                             QRX_ZoneSet_Key& ZoneSet) {
   QRX_ZoneService service;
   if (!readService(key, service, true)) return kNoService;
-  if (!usableName(ZoneSetName)) return kUnusable;
   TRACE_DEBUG("Creating ZoneSet %s\n", ZoneSetName.c_str());
-  const int rc = ZoneDb::getInstance().create_zone_set(service.Name, ZoneSetName);
-  if (rc != 0) {
-    TRACE_ERROR(kUnit, "create_zone_set(%s, %s) failed with rc %d\n", service.Name.c_str(),
-                ZoneSetName.c_str(), rc);
-    return static_cast<cuint32>(rc);
-  }
-  ZoneSet.InstanceID = makeZoneInstanceId(ZONE_ENTITY_ZONESET, service.Name, ZoneSetName);
-  return 0;
+  return createNamed(service.Name, ZONE_ENTITY_ZONESET, ZoneSetName, &ZoneDb::create_zone_set,
+                     "create_zone_set", ZoneSet.InstanceID);
 }
 
 cuint32 QRX_ZoneService_Best::CreateZone(const QRX_ZoneService_Key& key, cstring ZoneName,
-                                         cuint16 ZoneType, cuint16 ZoneSubType,
-                                         QRX_Zone_Key& Zone) {
-  (void)ZoneSubType;
+                                         cuint16 ZoneType, cuint16, QRX_Zone_Key& Zone) {
   QRX_ZoneService service;
   if (!readService(key, service)) return kNoService;
   if (ZoneType != 2) {
@@ -194,16 +210,9 @@ cuint32 QRX_ZoneService_Best::CreateZone(const QRX_ZoneService_Key& key, cstring
                 ZoneType);
     return kUnusable;
   }
-  if (!usableName(ZoneName)) return kUnusable;
   TRACE_DEBUG("Creating Zone - ZoneType: %d - ZoneName: %s\n", ZoneType, ZoneName.c_str());
-  const int rc = ZoneDb::getInstance().create_zone(service.Name, ZoneName);
-  if (rc != 0) {
-    TRACE_ERROR(kUnit, "create_zone(%s, %s) failed with rc %d\n", service.Name.c_str(),
-                ZoneName.c_str(), rc);
-    return static_cast<cuint32>(rc);
-  }
-  Zone.InstanceID = makeZoneInstanceId(ZONE_ENTITY_ZONE, service.Name, ZoneName);
-  return 0;
+  return createNamed(service.Name, ZONE_ENTITY_ZONE, ZoneName, &ZoneDb::create_zone, "create_zone",
+                     Zone.InstanceID);
 }
 
 cuint32 QRX_ZoneService_Best::CreateZoneAlias(const QRX_ZoneService_Key& key,
@@ -211,16 +220,9 @@ cuint32 QRX_ZoneService_Best::CreateZoneAlias(const QRX_ZoneService_Key& key,
                                               QRX_ZoneAlias_Key& ZoneAlias) {
   QRX_ZoneService service;
   if (!readService(key, service)) return kNoService;
-  if (!usableName(CollectionAlias)) return kUnusable;
   TRACE_DEBUG("Creating ZoneAlias %s\n", CollectionAlias.c_str());
-  const int rc = ZoneDb::getInstance().create_zone_alias(service.Name, CollectionAlias);
-  if (rc != 0) {
-    TRACE_ERROR(kUnit, "create_zone_alias(%s, %s) failed with rc %d\n", service.Name.c_str(),
-                CollectionAlias.c_str(), rc);
-    return static_cast<cuint32>(rc);
-  }
-  ZoneAlias.InstanceID = makeZoneInstanceId(ZONE_ENTITY_ALIAS, service.Name, CollectionAlias);
-  return 0;
+  return createNamed(service.Name, ZONE_ENTITY_ALIAS, CollectionAlias, &ZoneDb::create_zone_alias,
+                     "create_zone_alias", ZoneAlias.InstanceID);
 }
 
 cuint32 QRX_ZoneService_Best::AddZone(const QRX_ZoneService_Key& key,
@@ -228,16 +230,9 @@ cuint32 QRX_ZoneService_Best::AddZone(const QRX_ZoneService_Key& key,
   QRX_ZoneService service;
   if (!readService(key, service)) return kNoService;
   ZoneEntityInstanceID zoneSet(ZONE_ENTITY_ZONESET, 0);
-  if (!zoning::readId(ZoneSet.InstanceID, ZONE_ENTITY_ZONESET, zoneSet)) {
-    TRACE_ERROR(kUnit, "Error, ZoneSet InstanceID %s is not as expected\n",
-                ZoneSet.InstanceID.c_str());
-    return kUnusable;
-  }
+  if (!readArgument(ZoneSet.InstanceID, ZONE_ENTITY_ZONESET, "ZoneSet", zoneSet)) return kUnusable;
   ZoneEntityInstanceID zone(ZONE_ENTITY_ZONE, 0);
-  if (!zoning::readId(Zone.InstanceID, ZONE_ENTITY_ZONE, zone)) {
-    TRACE_ERROR(kUnit, "Error, Zone InstanceID %s is not as expected\n", Zone.InstanceID.c_str());
-    return kUnusable;
-  }
+  if (!readArgument(Zone.InstanceID, ZONE_ENTITY_ZONE, "Zone", zone)) return kUnusable;
   TRACE_DEBUG("Add Zone %s to ZoneSet %s\n", zone.getEntityName().c_str(),
               zoneSet.getEntityName().c_str());
   const int rc =
@@ -254,16 +249,9 @@ cuint32 QRX_ZoneService_Best::AddZoneAlias(const QRX_ZoneService_Key& key, const
   QRX_ZoneService service;
   if (!readService(key, service)) return kNoService;
   ZoneEntityInstanceID zone(ZONE_ENTITY_ZONE, 0);
-  if (!zoning::readId(Zone.InstanceID, ZONE_ENTITY_ZONE, zone)) {
-    TRACE_ERROR(kUnit, "Error, Zone InstanceID %s is not as expected\n", Zone.InstanceID.c_str());
-    return kUnusable;
-  }
+  if (!readArgument(Zone.InstanceID, ZONE_ENTITY_ZONE, "Zone", zone)) return kUnusable;
   ZoneEntityInstanceID alias(ZONE_ENTITY_ALIAS, 0);
-  if (!zoning::readId(ZoneAlias.InstanceID, ZONE_ENTITY_ALIAS, alias)) {
-    TRACE_ERROR(kUnit, "Error, Zone Alias InstanceID %s is not as expected\n",
-                ZoneAlias.InstanceID.c_str());
-    return kUnusable;
-  }
+  if (!readArgument(ZoneAlias.InstanceID, ZONE_ENTITY_ALIAS, "Zone Alias", alias)) return kUnusable;
   TRACE_DEBUG("Add Alias %s to Zone %s\n", alias.getEntityName().c_str(),
               zone.getEntityName().c_str());
   const int rc = ZoneDb::getInstance().add_zone_alias(service.Name, zone.getEntityName(),
@@ -332,11 +320,7 @@ cuint32 QRX_ZoneService_Best::ActivateZoneSet(const QRX_ZoneService_Key& key,
   QRX_ZoneService service;
   if (!readService(key, service)) return kNoService;
   ZoneEntityInstanceID zoneSet(ZONE_ENTITY_ZONESET, 0);
-  if (!zoning::readId(ZoneSet.InstanceID, ZONE_ENTITY_ZONESET, zoneSet)) {
-    TRACE_ERROR(kUnit, "Error, ZoneSet InstanceID %s is not as expected\n",
-                ZoneSet.InstanceID.c_str());
-    return kUnusable;
-  }
+  if (!readArgument(ZoneSet.InstanceID, ZONE_ENTITY_ZONESET, "ZoneSet", zoneSet)) return kUnusable;
   const std::string name = zoneSet.getEntityName();
   TRACE_DEBUG("Activate Zone Set %s - Activate %d\n", name.c_str(), Activate ? 1 : 0);
   const int rc = ZoneDb::getInstance().activate_zone_set(service.Name, name, Activate ? 1 : 0);

@@ -128,6 +128,13 @@ bool readEnds(const char* ipUnit, const std::string& irLeft, char ipLeftType,
   return true;
 }
 
+zone_member_data_t memberOf(const ZoneEntityInstanceID& irMember) {
+  zone_member_data_t data;
+  data.member_type = static_cast<cuint16>(irMember.getMemberType());
+  data.member_id = irMember.getEntityName();
+  return data;
+}
+
 bool namesOf(const char* ipUnit, const char* ipQueryName,
              int (ZoneDb::*ipQuery)(const std::string&, string_tA&), const std::string& irService,
              string_tA& orNames) {

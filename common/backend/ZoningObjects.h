@@ -55,6 +55,9 @@ bool readEnds(const char* ipUnit, const std::string& irLeft, char ipLeftType,
               const char* ipRightError, ZoneEntityInstanceID& orLeft,
               ZoneEntityInstanceID& orRight);
 
+// The member a zone member's InstanceID names.
+zone_member_data_t memberOf(const ZoneEntityInstanceID& irMember);
+
 // The names a ZoneDb query lists for a service, or false after "%s(%s)
 // failed with rc %d" (with `ipQueryName`).
 bool namesOf(const char* ipUnit, const char* ipQueryName,

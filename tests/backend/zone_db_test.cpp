@@ -61,6 +61,13 @@ zone_member_data_t member(cuint16 ipType, const std::string& irId) {
   return m;
 }
 
+// The i-th of a run of port WWN members.
+zone_member_data_t portWwn(int ipIndex) {
+  char wwn[17];
+  std::snprintf(wwn, sizeof(wwn), "21000e5b7200%04x", ipIndex);
+  return member(2, wwn);
+}
+
 // An operation as text: "opcode kind:name[ type:id]".
 std::string text(const zone_operation_t& irOp) {
   std::string out = std::to_string(irOp.opcode) + " " + std::to_string(irOp.data1.member_type) +
@@ -245,9 +252,7 @@ TEST_F(ZoneDbTest, BatchesOfTwentyAndSessionsWithNothingToSend) {
   ASSERT_EQ(0, ivDb.session_start(ivService));
   ASSERT_EQ(0, ivDb.create_zone(ivService, "z_big"));
   for (int i = 0; i < 45; ++i) {
-    char wwn[17];
-    snprintf(wwn, sizeof(wwn), "21000e5b7200%04x", i);
-    ASSERT_EQ(0, ivDb.add_zone_member(ivService, "z_big", member(2, wwn)));
+    ASSERT_EQ(0, ivDb.add_zone_member(ivService, "z_big", portWwn(i)));
   }
   ASSERT_EQ(0, ivDb.session_end(ivService));
   EXPECT_EQ((std::vector<std::size_t>{1, 20, 20, 5}), batchSizes());
@@ -271,9 +276,7 @@ TEST_F(ZoneDbTest, AFailingBatchStopsTheCommitAndTerminates) {
   ASSERT_EQ(0, ivDb.session_start(ivService));
   ASSERT_EQ(0, ivDb.create_zone(ivService, "z_one"));
   for (int i = 0; i < 30; ++i) {
-    char wwn[17];
-    snprintf(wwn, sizeof(wwn), "21000e5b7200%04x", i);
-    ASSERT_EQ(0, ivDb.add_zone_member(ivService, "z_one", member(2, wwn)));
+    ASSERT_EQ(0, ivDb.add_zone_member(ivService, "z_one", portWwn(i)));
   }
   const FabricModel before = ivModel;
   ivDaemon.failUpdateAt = 1;  // the first batch of additions
