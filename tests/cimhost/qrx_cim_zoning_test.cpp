@@ -297,6 +297,7 @@ TEST_F(QrxCimZoning, DeletingThroughTheAssociationClasses) {
   EXPECT_TRUE(
       ivTrace.contains("Unable to get ZoneSet with Instance ID " + id("0Z0", "z_host1_array_a")));
   EXPECT_TRUE(before == zoning());
+  EXPECT_EQ(0u, requests("rs_api_delete_zone"));
 }
 
 TEST_F(QrxCimZoning, UnusableArgumentsAreRefusedBeforeAnyChange) {
