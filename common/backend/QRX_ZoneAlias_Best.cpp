@@ -63,3 +63,15 @@ bool QRX_ZoneAlias_Best::deleteInstance(const QRX_ZoneAlias_Key& key) {
   }
   return true;
 }
+
+// Zoning objects are created through the zone service and have no
+// properties a client may change.
+bool QRX_ZoneAlias_Best::createInstance(const QRX_ZoneAlias&, QRX_ZoneAlias_Key&) {
+  TRACE_ERROR(kUnit, "Not supported\n");
+  return false;
+}
+
+bool QRX_ZoneAlias_Best::modifyInstance(const QRX_ZoneAlias_Key&, const QRX_ZoneAlias&) {
+  TRACE_ERROR(kUnit, "Not supported\n");
+  return false;
+}

@@ -56,3 +56,28 @@ bool QRX_ZoneCapabilities_Best::getInstance(const QRX_ZoneCapabilities_Key& key,
   out.SupportedConnectivityMemberTypes = {2, 3, 6};
   return true;
 }
+
+// The capabilities are the switch's: clients do not create, change or
+// delete them.
+bool QRX_ZoneCapabilities_Best::createInstance(const QRX_ZoneCapabilities&,
+                                               QRX_ZoneCapabilities_Key&) {
+  TRACE_ERROR(kUnit, "Not Supported\n");
+  return false;
+}
+
+bool QRX_ZoneCapabilities_Best::modifyInstance(const QRX_ZoneCapabilities_Key&,
+                                               const QRX_ZoneCapabilities&) {
+  TRACE_ERROR(kUnit, "Not Supported\n");
+  return false;
+}
+
+bool QRX_ZoneCapabilities_Best::deleteInstance(const QRX_ZoneCapabilities_Key&) {
+  TRACE_ERROR(kUnit, "Not Supported\n");
+  return false;
+}
+
+cuint32 QRX_ZoneCapabilities_Best::CreateGoalSettings(const QRX_ZoneCapabilities_Key&, cstring_A,
+                                                      cstring_A&) {
+  TRACE_ERROR(kUnit, "Not Supported\n");
+  return 1;
+}

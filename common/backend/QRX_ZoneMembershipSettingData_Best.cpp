@@ -50,3 +50,23 @@ bool QRX_ZoneMembershipSettingData_Best::getInstance(const QRX_ZoneMembershipSet
               key.InstanceID.c_str());
   return false;
 }
+
+// Zoning objects are created through the zone service and have no
+// properties a client may change.
+bool QRX_ZoneMembershipSettingData_Best::createInstance(const QRX_ZoneMembershipSettingData&,
+                                                        QRX_ZoneMembershipSettingData_Key&) {
+  TRACE_ERROR(kUnit, "Not supported\n");
+  return false;
+}
+
+bool QRX_ZoneMembershipSettingData_Best::modifyInstance(const QRX_ZoneMembershipSettingData_Key&,
+                                                        const QRX_ZoneMembershipSettingData&) {
+  TRACE_ERROR(kUnit, "Not supported\n");
+  return false;
+}
+
+// Members leave zones and aliases through the association classes.
+bool QRX_ZoneMembershipSettingData_Best::deleteInstance(const QRX_ZoneMembershipSettingData_Key&) {
+  TRACE_ERROR(kUnit, "Not supported\n");
+  return false;
+}

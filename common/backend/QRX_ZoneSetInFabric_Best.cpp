@@ -2,6 +2,7 @@
 #include "generated/scimbackend/QRX_ZoneSetInFabric_Best.h"
 
 #include "common/backend/ListedInstances.h"
+#include "common/base/trace.h"
 #include "generated/scimbackend/QRX_Fabric_Best.h"
 #include "generated/scimbackend/QRX_ZoneSet_Best.h"
 
@@ -10,4 +11,9 @@ bool QRX_ZoneSetInFabric_Best::enumInstances(QRX_ZoneSetInFabric_Array& out) {
                                  &QRX_ZoneSetInFabric::Antecedent, QRX_ZoneSet_Best::singleton,
                                  "ZoneSet", &QRX_ZoneSetInFabric::Dependent,
                                  listed_instances::AnyPair(), out);
+}
+
+bool QRX_ZoneSetInFabric_Best::deleteInstance(const QRX_ZoneSetInFabric_Key&) {
+  TRACE_ERROR("common/backend/QRX_ZoneSetInFabric_Best", "Not Supported\n");
+  return false;
 }

@@ -65,3 +65,15 @@ bool QRX_ZoneSet_Best::deleteInstance(const QRX_ZoneSet_Key& key) {
   }
   return true;
 }
+
+// Zoning objects are created through the zone service and have no
+// properties a client may change.
+bool QRX_ZoneSet_Best::createInstance(const QRX_ZoneSet&, QRX_ZoneSet_Key&) {
+  TRACE_ERROR(kUnit, "Error, this function is not supported\n");
+  return false;
+}
+
+bool QRX_ZoneSet_Best::modifyInstance(const QRX_ZoneSet_Key&, const QRX_ZoneSet&) {
+  TRACE_ERROR(kUnit, "Error, this function is not supported\n");
+  return false;
+}

@@ -68,3 +68,15 @@ bool QRX_Zone_Best::deleteInstance(const QRX_Zone_Key& key) {
   }
   return true;
 }
+
+// Zoning objects are created through the zone service and have no
+// properties a client may change.
+bool QRX_Zone_Best::createInstance(const QRX_Zone&, QRX_Zone_Key&) {
+  TRACE_ERROR(kUnit, "Error, this function is not supported\n");
+  return false;
+}
+
+bool QRX_Zone_Best::modifyInstance(const QRX_Zone_Key&, const QRX_Zone&) {
+  TRACE_ERROR(kUnit, "Error, this function is not supported\n");
+  return false;
+}

@@ -292,6 +292,16 @@ TEST_F(QrxCimZoning, DeletingThroughTheAssociationClasses) {
   });
   EXPECT_EQ(1, refused.exitCode);
   EXPECT_EQ(4u, count(refused.err, "backendDeleteInstance() failed")) << refused.err;
+  // Members leave through the associations; the fabric associations stay.
+  ToolRun unsupported =
+      run({"di " + path("QRX_ZoneMembershipSettingData", "0M2", "21000e5b72000001"),
+           "di 'QRX_ZoneSetInFabric.Antecedent=\"QRX_Fabric.CreationClassName=\\\"QRX_Fabric\\\","
+           "Name=\\\"" +
+               kWwn + "\\\"\",Dependent=\"QRX_ZoneSet.InstanceID=\\\"" +
+               id("0S0", "cfg_production") + "\\\"\"'"});
+  EXPECT_EQ(2u, count(unsupported.err, "backendDeleteInstance() failed")) << unsupported.err;
+  EXPECT_TRUE(ivTrace.contains("QRX_ZoneMembershipSettingData_Best, deleteInstance"));
+  EXPECT_TRUE(ivTrace.contains("ERROR: Not Supported"));
   EXPECT_TRUE(ivTrace.contains("Invalid instaneid=" + id("0S0", "cfg_production")));
   EXPECT_TRUE(ivTrace.contains("Invalid instaneid=" + id("1Z0", "z_host1_array_a")));
   EXPECT_TRUE(
