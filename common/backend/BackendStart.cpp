@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "common/backend/BackendInd.h"
+#include "common/backend/LocalZoneDb.h"
 #include "common/base/trace.h"
 
 fcbb::DaemonPipe* pipeClient = nullptr;
@@ -31,6 +32,11 @@ bool startOnce() {
   // The event thread fills the cache before it takes events.
   backendInd = new BackendInd(*fabricCache);
   assert(backendInd);
+  // Zone change events caused by the zone database's own commit are
+  // dropped, other events wait until the session is closed; zoning changed
+  // through the library re-reads the cached active zone set at once.
+  backendInd->setClosingSessionCheck([] { return ZoneDb::getInstance().isClosingSession(); });
+  ZoneDb::getInstance().setZoningChangedHook([] { fabricCache->refreshActiveZoneSet(); });
   // Providers answer from the cache: wait for the first fill, but do not
   // let a daemon that does not answer hold the object manager forever.
   if (!backendInd->startThread()) {

@@ -2,8 +2,9 @@
 // serving in this process under a private queue prefix: the library starts
 // only when the switch daemon is there, and every operation kind reaches
 // the generated glue through the exported factories, and every fabric and
-// switch class answers from the simulated switch's model. Classes whose
-// backends are still to come answer with the failures the glue defines.
+// switch class answers from the simulated switch's model. Backends that
+// fail (here for the switch's faults) answer with the failures the glue
+// defines.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -77,8 +78,14 @@ TEST(QrxCimLibrary, EveryOperationKindReachesTheGlue) {
   EXPECT_NE(std::string::npos, classes.out.find("QRX_SwitchInFabric"));
   EXPECT_NE(std::string::npos, classes.out.find("QRX_ZoneService"));
 
+  // The switch refuses the zoning queries the zoning classes need.
+  sim.addFault({"rs_api_get_zone_names", 0x8101});
+  sim.addFault({"rs_api_get_zone_set_names", 0x8101});
+  sim.addFault({"rs_api_get_zone_alias_names", 0x8101});
+  sim.addFault({"rs_api_get_zone_capabilities_data", 0x8101});
   expectFailure({"ei", "QRX_Zone"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstances() failed");
   expectFailure({"ein", "QRX_ZoneSet"}, "CMPI_RC_ERR_FAILED (1): backendEnumInstanceNames() failed");
+  EXPECT_TRUE(trace.contains("ERROR: get_zone_set_names(10000e5a71004000) failed with rc 33025\n"));
   // A switch of another name, and a path of another class.
   expectFailure({"gi", kSwitch}, "CMPI_RC_ERR_FAILED (1): backendGetInstance() failed");
   EXPECT_TRUE(trace.contains("ERROR: Key missmatch 100000c0dd0c8f1e vs. "));
@@ -92,12 +99,17 @@ TEST(QrxCimLibrary, EveryOperationKindReachesTheGlue) {
                 "CMPI_RC_ERR_FAILED (1): backendAssociatorsFor() failed");
   expectFailure({"an", kFabric, "--assoc-class", "QRX_ZoneInFabric"},
                 "CMPI_RC_ERR_FAILED (1): backendAssociatorNamesFor() failed");
-  expectFailure({"r", kFabric, "--result-class", "QRX_ZoneServiceInFabric"},
+  expectFailure({"r", kFabric, "--result-class", "QRX_ZoneCapabilitiesInFabric"},
                 "CMPI_RC_ERR_FAILED (1): backendReferencesFor() failed");
   expectFailure({"rn", kFabric, "--result-class", "QRX_ZoneAliasInFabric"},
                 "CMPI_RC_ERR_FAILED (1): backendReferencesFor() failed");
+  // A zone service the switch does not have.
   expectFailure({"im", kService, "CreateZoneSet", "ZoneSetName=fabA"},
                 "CMPI_RC_ERR_FAILED (1): CreateZoneSet failed");
+  EXPECT_TRUE(trace.contains("ERROR: Unable to get instance with name zoning\n"));
+  expectFailure({"di", "QRX_ZoneInFabric.Antecedent=\"QRX_Fabric.CreationClassName=\\\"QRX_Fabric\\\","
+                       "Name=\\\"f\\\"\",Dependent=\"QRX_Zone.InstanceID=\\\"z\\\"\""},
+                "CMPI_RC_ERR_FAILED (1): QRX_ZoneInFabric.backendDeleteInstance() failed");
 
   // Requests the glue answers without a backend.
   ToolRun role = runQrxCim({"an", kFabric, "--assoc-class", "QRX_ZoneSetInFabric", "--role",
@@ -107,6 +119,7 @@ TEST(QrxCimLibrary, EveryOperationKindReachesTheGlue) {
   ToolRun unknown = runQrxCim({"im", kService, "createZoneSet", "ZoneSetName=fabA"});
   EXPECT_EQ(0, unknown.exitCode) << unknown.err;
   EXPECT_NE(std::string::npos, unknown.out.find("ReturnValue = 1"));
+  sim.clearFaults();
   ToolRun missing = runQrxCim({"im", kService, "CreateZone", "ZoneName=z"});
   EXPECT_EQ(1, missing.exitCode);
   EXPECT_TRUE(trace.contains("ERROR: Failed to read input var ZoneType"));
