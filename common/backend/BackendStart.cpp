@@ -66,6 +66,8 @@ FabricCache* get_fabric_cache() {
 
 void backendStop() {
   if (backendInd == nullptr) return;
+  // The event thread may be waiting for a daemon that is gone.
+  if (fabricCache != nullptr) fabricCache->abandonRequests();
   backendInd->terminateThread(false);
   delete backendInd;
   backendInd = nullptr;

@@ -29,8 +29,10 @@ bool backendStart();
 // backends' way to the switch.
 FabricCache* get_fabric_cache();
 
-// Stops the event thread (at unload: it must not outlive the code). The
-// pipe and the cache stay for whatever still runs.
+// Stops the event thread (at unload: it must not outlive the code). Remote
+// calls stop waiting for the daemon first, so that a daemon that is gone
+// cannot hold the unload; the pipe and the cache stay for whatever still
+// runs, and their remote calls fail from now on.
 void backendStop();
 
 // The one request client of the process (the fabric cache), through which

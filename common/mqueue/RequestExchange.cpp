@@ -62,6 +62,10 @@ class RequestExchange::Waiter {
 };
 
 int RequestExchange::run(Frame* ipIn, Frame** opOut) {
+  if (ivAbandoned) {
+    TRACE_ERROR(kUnit, "request req_id=%u not sent: the library is being unloaded\n", ipIn->reqId());
+    return -1;
+  }
   ivToldGone = false;
   for (;;) {
     Step step = send(ipIn);
@@ -82,7 +86,8 @@ RequestExchange::Step RequestExchange::send(const Frame* ipIn) {
       TRACE_ERROR(kUnit, "sending request req_id=%u failed\n", ipIn->reqId());
       return Step::kFailed;
     }
-    if (waitOrFollow(waiter, true, Clock::time_point::max(), &open)) return Step::kResend;
+    const Step step = waitOrFollow(waiter, true, Clock::time_point::max(), &open);
+    if (step != Step::kDone) return step;
   }
 }
 
@@ -107,9 +112,10 @@ RequestExchange::Step RequestExchange::receive(Frame* ipIn, Frame** opOut) {
         dropJoined();
         return Step::kFailed;
       }
-      if (waitOrFollow(waiter, false, chainDeadline, &open)) {
+      const Step step = waitOrFollow(waiter, false, chainDeadline, &open);
+      if (step != Step::kDone) {
         dropJoined();
-        return Step::kResend;
+        return step;
       }
       continue;
     }
@@ -200,12 +206,16 @@ void RequestExchange::dropJoined() {
   ivDiscarding = false;
 }
 
-bool RequestExchange::waitOrFollow(Waiter& irWaiter, bool ipForSend, Clock::time_point ipDeadline,
-                                   bool* iopOpen) {
+RequestExchange::Step RequestExchange::waitOrFollow(Waiter& irWaiter, bool ipForSend,
+                                                    Clock::time_point ipDeadline, bool* iopOpen) {
+  if (ivAbandoned) {
+    TRACE_ERROR(kUnit, "stopped waiting for the daemon: the library is being unloaded\n");
+    return Step::kFailed;
+  }
   const Clock::time_point now = Clock::now();
   if (*iopOpen && irWaiter.spinning(now)) {
     sched_yield();
-    return false;
+    return Step::kDone;
   }
   if (!irWaiter.linkCheckDue(now)) {
     const unsigned int ms = irWaiter.sleepMs(now, ipDeadline);
@@ -214,28 +224,28 @@ bool RequestExchange::waitOrFollow(Waiter& irWaiter, bool ipForSend, Clock::time
     } else {
       sleepMs(ms);
     }
-    return false;
+    return Step::kDone;
   }
   irWaiter.linkChecked(now);
   if (*iopOpen) {
     switch (ivrPipe.checkLink()) {
       case FramePipeIf::Link::kCurrent:
-        return false;
+        return Step::kDone;
       case FramePipeIf::Link::kGone:
         if (!ivToldGone) TRACE_ERROR(kUnit, "the daemon's queues are gone; waiting for new ones\n");
         ivToldGone = true;
-        return false;
+        return Step::kDone;
       case FramePipeIf::Link::kReplaced:
         break;
     }
   }
   if (!ivrPipe.reopen()) {
     *iopOpen = false;
-    return false;
+    return Step::kDone;
   }
   TRACE_ERROR(kUnit, "the daemon's queues were created anew: reopened, sending the request again\n");
   *iopOpen = true;
-  return true;
+  return Step::kResend;
 }
 
 void RequestExchange::release(FramePipeIf& irPipe, Frame* ipReply) {

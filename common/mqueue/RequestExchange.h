@@ -28,14 +28,19 @@
 // pipe is reopened and the request sent again. A daemon that is gone is
 // waited for, without limit, until it comes back.
 //
+// abandon() ends the waiting for good, when the library is unloaded: an
+// exchange that waits fails, and every later one fails at once, so that
+// no thread stays bound to a daemon that is gone.
+//
 // Results: 0 with the reply in *opOut, or -1 (logged). The reply is
 // released with release().
 //
 // Thread-safety: none of its own; the request client holds its lock across
-// run() and release().
+// run() and release(). abandon() may be called from any thread.
 #ifndef QRX_COMMON_MQUEUE_REQUESTEXCHANGE_H_
 #define QRX_COMMON_MQUEUE_REQUESTEXCHANGE_H_
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -65,6 +70,9 @@ class RequestExchange {
   // Sends `ipIn` (one frame, req_id set) and receives its reply; see above.
   int run(Frame* ipIn, Frame** opOut);
 
+  // See above; cannot be undone.
+  void abandon() { ivAbandoned = true; }
+
   // Gives back a reply run() handed out: a pool frame to the pipe, a joined
   // frame (alloc_size above the pipe's frame size) to the heap.
   static void release(FramePipeIf& irPipe, Frame* ipReply);
@@ -86,9 +94,10 @@ class RequestExchange {
   void dropJoined();
   void dropJoinedStorage();
   // One turn of waiting while nothing moves: spins, sleeps (at most until
-  // `ipDeadline`) or checks the link. True when the pipe was reopened and
-  // the request must go again; *iopOpen tells whether the pipe is open.
-  bool waitOrFollow(Waiter& irWaiter, bool ipForSend,
+  // `ipDeadline`) or checks the link. kResend when the pipe was reopened
+  // and the request must go again, kFailed when the exchange was abandoned,
+  // kDone to wait on; *iopOpen tells whether the pipe is open.
+  Step waitOrFollow(Waiter& irWaiter, bool ipForSend,
                     std::chrono::steady_clock::time_point ipDeadline, bool* iopOpen);
 
   FramePipeIf& ivrPipe;
@@ -99,6 +108,7 @@ class RequestExchange {
   unsigned int ivReplyFrames = 0;     // frames of the reply so far
   bool ivDiscarding = false;          // read on to the last frame, keep nothing
   bool ivToldGone = false;            // "queues are gone" logged in this exchange
+  std::atomic<bool> ivAbandoned{false};
 };
 
 }  // namespace fcbb

@@ -244,6 +244,28 @@ TEST(RequestClientTest, DuplicateAndCutOffRepliesDoNotPutTheClientOutOfStep) {
   EXPECT_EQ(0, pipe.outstanding());
 }
 
+TEST(RequestClientTest, AbandonedRequestsStopWaitingForGood) {
+  ScriptedPipe pipe;
+  rs_api_client_mq client(pipe);
+  qrxtest::InMemoryPipe::Reply never;  // the daemon takes the request and never answers
+  never.data = statusOnly(0);
+  never.cutAfter = 0;
+  pipe.script(never);
+  int rc = 0;
+  std::thread waiting([&] {
+    std::string name;
+    rc = client.get_switch_name(name);
+  });
+  while (pipe.requests().empty()) std::this_thread::yield();
+  client.abandonRequests();
+  waiting.join();
+  EXPECT_EQ(-1, rc);
+  std::string name;
+  EXPECT_EQ(-1, client.get_switch_name(name));
+  EXPECT_EQ(1u, pipe.requests().size());  // nothing more was sent
+  EXPECT_EQ(0, pipe.outstanding());
+}
+
 TEST(RequestClientTest, ConcurrentCallsAreSerialisedAndNumberedInOrder) {
   ScriptedPipe pipe;
   rs_api_client_mq client(pipe);

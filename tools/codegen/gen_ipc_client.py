@@ -66,6 +66,10 @@ class rs_api_client_mq : public rs_api_client {
   // Replaces the limits of the exchanges that follow.
   void setExchangeLimits(const fcbb::ExchangeLimits& irLimits);
 
+  // Stops waiting for the daemon for good (the library is being unloaded):
+  // a call in flight fails, later calls fail at once. Any thread.
+  void abandonRequests() { ivExchange.abandon(); }
+
  protected:
   // One remote call: writes the function name and `irArgs`, exchanges, and
   // on a zero status reads the results with `irResults`.

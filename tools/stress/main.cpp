@@ -377,19 +377,25 @@ int run(const Options& irOptions) {
 
   // Once the last events are handled, every port shows the model's state.
   const switchsim::FabricModel final = sim.snapshot();
-  unsigned stale = 0;
-  for (std::size_t i = kFirstFlapping; i < final.ports.size(); i += 50) {
-    const int want = operationalStatus(final.ports[i].info.operational_state);
-    int got = -1;
-    for (int attempt = 0; attempt < 500 && (got = stress.portStatus(i)) != want; ++attempt) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  std::vector<std::size_t> flapping;
+  for (std::size_t i = kFirstFlapping; i < final.ports.size(); i += 50) flapping.push_back(i);
+  const auto settle = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  std::vector<std::size_t> stalePorts = flapping;
+  while (!stalePorts.empty() && std::chrono::steady_clock::now() < settle) {
+    std::vector<std::size_t> still;
+    for (std::size_t i : stalePorts) {
+      if (stress.portStatus(i) != operationalStatus(final.ports[i].info.operational_state)) {
+        still.push_back(i);
+      }
     }
-    if (got != want) {
-      std::fprintf(stderr, "qrx-stress: port %zu ends with OperationalStatus %d, the switch says %d\n",
-                   i, got, want);
-      ++stale;
-    }
+    stalePorts.swap(still);
+    if (!stalePorts.empty()) std::this_thread::sleep_for(std::chrono::milliseconds(50));
   }
+  for (std::size_t i : stalePorts) {
+    std::fprintf(stderr, "qrx-stress: port %zu ends with OperationalStatus %d, the switch says %d\n",
+                 i, stress.portStatus(i), operationalStatus(final.ports[i].info.operational_state));
+  }
+  const unsigned stale = static_cast<unsigned>(stalePorts.size());
   unsigned largest = 0;
   for (const std::string& line : sim.requestLog()) {
     const std::size_t at = line.rfind(" frames=");
@@ -402,6 +408,7 @@ int run(const Options& irOptions) {
               "largest reply %u frames; %u wrong answers, %u ports left stale\n",
               total, seconds, total / seconds, events.load(), largest, wrong.load(), stale);
   stress.printKinds();
+  std::fflush(stdout);
 
   if (irOptions.waitCpuMs != 0) {
     // A daemon that takes the request and says nothing for a while.
@@ -421,6 +428,7 @@ int run(const Options& irOptions) {
     waiting.join();
     std::printf("qrx-stress: a request waiting %.0f ms on a silent daemon used %.1f ms of CPU "
                 "(%.2f%% of a core)\n", wallMs, cpuMs, 100.0 * cpuMs / wallMs);
+    std::fflush(stdout);
   }
   stress.endOfRequests();
   library.cleanup();
