@@ -33,15 +33,22 @@
 #include "provider/CMPISerializer.h"
 #include "provider/ProviderHelper.h"
 
-// A new path of class `ipClassName` in the namespace of `ipRef`, keyed by
-// `irKey`. The broker's failure to make it is a defect (asserted).
+// A new path of class `ipClassName` in the namespace `ipNameSpace`, keyed
+// by `irKey`. The broker's failure to make it is a defect (asserted).
 template <class KeyT>
-CMPIObjectPath* makeKeyedObjPath(const CMPIBroker* ipBroker, const CMPIObjectPath* ipRef,
+CMPIObjectPath* makeKeyedObjPath(const CMPIBroker* ipBroker, const char* ipNameSpace,
                                  const char* ipClassName, const KeyT& irKey) {
-  CMPIObjectPath* path = newObjPathChecked(ipBroker, nameSpaceOf(ipRef), ipClassName);
+  CMPIObjectPath* path = newObjPathChecked(ipBroker, ipNameSpace, ipClassName);
   CMPIObjPathSerializer serializer(ipBroker, path);
   irKey.serialize(serializer);
   return path;
+}
+
+// The same in the namespace of `ipRef`.
+template <class KeyT>
+CMPIObjectPath* makeKeyedObjPath(const CMPIBroker* ipBroker, const CMPIObjectPath* ipRef,
+                                 const char* ipClassName, const KeyT& irKey) {
+  return makeKeyedObjPath(ipBroker, nameSpaceOf(ipRef), ipClassName, irKey);
 }
 
 // The model conversions of a provider type, for the model types of its
