@@ -7,7 +7,7 @@
 // A hand-written provider type P offers what ProviderGlue.h asks of a
 // provider type (className, providerName, broker, the model types,
 // backendT, getKeyFromObjPath, fillProperties, makeObjPath) plus
-//   P::unit                     the source unit named in its error lines
+//   P::unit                     the source unit its own error lines name
 // and, per further MI kind, assocBroker / methodBroker and the operations
 // of that kind with their CMPI signatures.
 //
@@ -92,8 +92,8 @@ void finishInstanceOp(const CMPIResult* ipResult, const CMPIStatus& irRc, const 
   if (irRc.rc == CMPI_RC_OK) {
     CMReturnDone(ipResult);
   } else {
-    TRACE_ERROR_AT(P::unit, P::providerName, ipOperation, "%s.%s() failed rc=%d\n", P::className,
-                   ipOperation, irRc.rc);
+    TRACE_ERROR_AT("provider/HandwrittenProvider", P::providerName, ipOperation,
+                   "%s.%s() failed rc=%d\n", P::className, ipOperation, irRc.rc);
   }
 }
 

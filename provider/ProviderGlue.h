@@ -16,6 +16,8 @@
 // templates report a false answer as CMPI_RC_ERR_FAILED with a fixed text;
 // CMReturnDone is left to the caller unless said otherwise. Property lists
 // are accepted and not applied: every instance carries all its properties.
+// Their debug lines name the provider and the template as the function
+// ("[QRX_Switch_Provider_backendEnumInstances, 133] ").
 #ifndef QRX_PROVIDER_PROVIDERGLUE_H_
 #define QRX_PROVIDER_PROVIDERGLUE_H_
 
@@ -130,7 +132,8 @@ void backendEnumInstances(const CMPIResult* ipResult, const CMPIObjectPath* ipRe
     setStatus(opRc, P::broker, CMPI_RC_ERR_FAILED, "backendEnumInstances() failed");
     return;
   }
-  TRACE_DEBUG("return %d %s.instances\n", static_cast<int>(objects.size()), P::className);
+  TRACE_DEBUG_AT(P::providerName, "backendEnumInstances", "return %d %s.instances\n",
+                 static_cast<int>(objects.size()), P::className);
   addInstancesToResult<P>(P::broker, nameSpace, objects, ipProperties, ipResult, opRc);
 }
 
@@ -247,8 +250,9 @@ const char* assocTarget(const CMPIObjectPath* ipCop, const char* ipAsked, const 
   const char* rightClass = P::rightProviderT::className;
   if (!assocCheckParameterConst(broker, ipCop, P::refLeft, P::refRight, leftClass, rightClass,
                                 ipResultClass, ipRole, ipResultRole, opRc)) {
-    TRACE_DEBUG("Check Params failed cop=%s ac=%s left=%s right=%s\n", objPathText(ipCop),
-                ipAsked != nullptr ? ipAsked : "", leftClass, rightClass);
+    TRACE_DEBUG_AT(P::providerName, "assocTarget",
+                   "Check Params failed cop=%s ac=%s left=%s right=%s\n", objPathText(ipCop),
+                   ipAsked != nullptr ? ipAsked : "", leftClass, rightClass);
     *opRc = okStatus();
     return nullptr;
   }
