@@ -29,6 +29,10 @@ expect '^  switch port [0-9a-f]{16} -> node port [0-9a-f]{16}$'
 expect '^  \.\.\. [0-9]+ connections$'
 expect '^  before: port [0-9]+$'
 expect '^      OperationalStatus = \{10\};$'
+expect '^  root/interop:QRX_RegisteredProfile\.InstanceID="QRX:Switch\.1\.2\.0"$'
+expect '^  root/qrx:QRX_Switch\.CreationClassName="QRX_Switch",Name="[0-9a-f]{16}"$'
+expect '^  library log: \[QRX_Switch_Provider_enumInstanceNames, [0-9]+\] class=QRX_Switch '
+expect '^  rs_api_client_mq\.get_switch_info +[0-9]+ +[0-9]+ +[0-9]+ +[0-9]+$'
 if [ "$failed" -ne 0 ]; then
   echo "---- output of scripts/run"
   echo "$out"
