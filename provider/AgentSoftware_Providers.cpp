@@ -27,8 +27,8 @@ QRX_AgentSoftwareIdentity makeSoftware() {
   software.SerialNumber = "serial123456";
   // ReleaseDate and InstallDate keep their default value.
   char version[32];
-  std::snprintf(version, sizeof version, "%d.%d(%d)", software.MajorVersion,
-                software.MinorVersion, software.RevisionNumber);
+  std::snprintf(version, sizeof version, "%d.%d(%d)", software.MajorVersion, software.MinorVersion,
+                software.RevisionNumber);
   software.VersionString = version;
   return software;
 }

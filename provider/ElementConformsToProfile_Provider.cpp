@@ -40,7 +40,8 @@ bool elementPaths(const CMPIBroker* ipBroker, std::vector<CMPIObjectPath*>& orPa
     TRACE_ERROR(P::unit, "Could not enumerate %s\n", ProviderT::className);
     return false;
   }
-  for (const auto& key : keys) orPaths.push_back(makeKeyedObjPath(ipBroker, QRX_NAMESPACE, ProviderT::className, key));
+  for (const auto& key : keys)
+    orPaths.push_back(makeKeyedObjPath(ipBroker, QRX_NAMESPACE, ProviderT::className, key));
   return true;
 }
 
@@ -73,8 +74,9 @@ bool returnObjectManagers(const CMPIContext* ipCtx, bool ipWantInstances,
                           const CMPIResult* ipResult, const char** ipProperties, CMPIStatus* opRc) {
   const CMPIBroker* broker = P::assocBroker;
   CMPIObjectPath* path = newObjPathChecked(broker, INTEROP_NAMESPACE, "CIM_ObjectManager");
-  CMPIEnumeration* found = ipWantInstances ? CBEnumInstances(broker, ipCtx, path, ipProperties, opRc)
-                                           : CBEnumInstanceNames(broker, ipCtx, path, opRc);
+  CMPIEnumeration* found = ipWantInstances
+                               ? CBEnumInstances(broker, ipCtx, path, ipProperties, opRc)
+                               : CBEnumInstanceNames(broker, ipCtx, path, opRc);
   if (opRc->rc != CMPI_RC_OK || found == nullptr) {
     TRACE_ERROR(P::unit, "Could not enumerate CIM_ObjectManager rc=%d\n", opRc->rc);
     if (opRc->rc == CMPI_RC_OK) setStatus(opRc, broker, CMPI_RC_ERR_FAILED, "No CIM_ObjectManager");
@@ -136,7 +138,8 @@ CMPIInstance* pairInstance(const CMPIBroker* ipBroker, const char* ipNameSpace, 
       newInstanceChecked(ipBroker, newObjPathChecked(ipBroker, ipNameSpace, P::className));
   CMPIObjectPath* profile = profilePath(ipBroker, "QRX_RegisteredProfile", irPair.profileID);
   *opRc = CMSetProperty(instance, P::refLeft, &profile, CMPI_ref);
-  if (opRc->rc == CMPI_RC_OK) *opRc = CMSetProperty(instance, P::refRight, &irPair.element, CMPI_ref);
+  if (opRc->rc == CMPI_RC_OK)
+    *opRc = CMSetProperty(instance, P::refRight, &irPair.element, CMPI_ref);
   return instance;
 }
 
@@ -175,13 +178,13 @@ bool checkRequest(const char* ipOperation, const CMPIObjectPath* ipCop, const ch
   // The result class is checked against the table, not the class tree.
   if (!assocCheckParameterConst(broker, ipCop, P::refLeft, P::refRight, kProfileClass,
                                 kElementClass, nullptr, ipRole, ipResultRole, opRc)) {
-    TRACE_DEBUG_AT(P::providerName, ipOperation, "Check Params failed cop=%s ac=%s left=%s right=%s\n",
-                   objPathText(ipCop), ipAssocClass != nullptr ? ipAssocClass : "", kProfileClass,
-                   kElementClass);
+    TRACE_DEBUG_AT(P::providerName, ipOperation,
+                   "Check Params failed cop=%s ac=%s left=%s right=%s\n", objPathText(ipCop),
+                   ipAssocClass != nullptr ? ipAssocClass : "", kProfileClass, kElementClass);
     return false;
   }
-  const char* target = assocTargetName(broker, ipCop, kProfileClass, P::refLeft, kElementClass,
-                                       P::refRight, opRc);
+  const char* target =
+      assocTargetName(broker, ipCop, kProfileClass, P::refLeft, kElementClass, P::refRight, opRc);
   if (target == nullptr) return false;
   if (strcmp(target, P::refRight) != 0) {
     TRACE_ERROR_AT(P::unit, P::providerName, ipOperation, "Unsupported targetName=%s\n", target);
@@ -205,7 +208,8 @@ CMPIStatus associatorsFor(const char* ipOperation, const CMPIContext* ipCtx,
   }
   const unsigned kinds = kindsOf(ipResultClass);
   if (kinds == 0) {
-    TRACE_ERROR_AT(P::unit, P::providerName, ipOperation, "Invalid resultClass=%s\n", ipResultClass);
+    TRACE_ERROR_AT(P::unit, P::providerName, ipOperation, "Invalid resultClass=%s\n",
+                   ipResultClass);
     setStatus(&rc, P::assocBroker, CMPI_RC_ERR_INVALID_PARAMETER, "Invalid resultClass");
     return rc;
   }
@@ -217,10 +221,10 @@ CMPIStatus associatorsFor(const char* ipOperation, const CMPIContext* ipCtx,
       !returnElements<QRX_Fabric_Provider>(ipWantInstances, ipResult, ipProperties, &rc)) {
     return rc;
   }
-  if ((kinds & kSoftware) &&
-      (!returnElements<QRX_SoftwareIdentity_Provider>(ipWantInstances, ipResult, ipProperties, &rc) ||
-       !returnElements<QRX_AgentSoftwareIdentity_Provider>(ipWantInstances, ipResult, ipProperties,
-                                                           &rc))) {
+  if ((kinds & kSoftware) && (!returnElements<QRX_SoftwareIdentity_Provider>(
+                                  ipWantInstances, ipResult, ipProperties, &rc) ||
+                              !returnElements<QRX_AgentSoftwareIdentity_Provider>(
+                                  ipWantInstances, ipResult, ipProperties, &rc))) {
     return rc;
   }
   // Without a result class, an object manager that cannot be asked is
@@ -268,105 +272,114 @@ CMPIStatus finish(const char* ipOperation, const CMPIResult* ipResult, const CMP
   return irRc;
 }
 
-}  // namespace
+// The instance and association operations of QRX_ElementConformsToProfile.
+struct ConformanceOps : NotOfferedInstanceOps<P> {
+  static CMPIStatus enumInstanceNames(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* rslt,
+                                      const CMPIObjectPath* ref) {
+    static const std::string sampleTag = std::string(P::providerName) + ".enumInstanceNames";
+    AutoTimeStat sample(sampleTag);
+    TRACE_DEBUG_AT(P::providerName, "enumInstanceNames", "class=%s ref=%s\n", P::className,
+                   objPathText(ref));
+    CMPIStatus rc = okStatus();
+    std::vector<Pair> pairs;
+    if (!listPairs(P::broker, nullptr, pairs)) {
+      setStatus(&rc, P::broker, CMPI_RC_ERR_FAILED, "backendEnumInstanceNames() failed");
+    }
+    for (const Pair& pair : pairs)
+      CMReturnObjectPath(rslt, pairPath(P::broker, nameSpaceOf(ref), pair));
+    return finish("enumInstanceNames", rslt, rc);
+  }
 
-CMPIStatus P::enumInstanceNames(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* rslt,
-                                const CMPIObjectPath* ref) {
-  static const std::string sampleTag = std::string(providerName) + ".enumInstanceNames";
-  AutoTimeStat sample(sampleTag);
-  TRACE_DEBUG_AT(providerName, "enumInstanceNames", "class=%s ref=%s\n", className, objPathText(ref));
-  CMPIStatus rc = okStatus();
-  std::vector<Pair> pairs;
-  if (!listPairs(broker, nullptr, pairs)) {
-    setStatus(&rc, broker, CMPI_RC_ERR_FAILED, "backendEnumInstanceNames() failed");
-  }
-  for (const Pair& pair : pairs) CMReturnObjectPath(rslt, pairPath(broker, nameSpaceOf(ref), pair));
-  return finish("enumInstanceNames", rslt, rc);
-}
-
-CMPIStatus P::enumInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* rslt,
-                            const CMPIObjectPath* ref, const char**) {
-  static const std::string sampleTag = std::string(providerName) + ".enumInstances";
-  AutoTimeStat sample(sampleTag);
-  TRACE_DEBUG_AT(providerName, "enumInstances", "class=%s ref=%s\n", className, objPathText(ref));
-  CMPIStatus rc = okStatus();
-  std::vector<Pair> pairs;
-  if (!listPairs(broker, nullptr, pairs)) {
-    setStatus(&rc, broker, CMPI_RC_ERR_FAILED, "backendEnumInstances() failed");
-  }
-  for (const Pair& pair : pairs) {
-    CMReturnInstance(rslt, pairInstance(broker, nameSpaceOf(ref), pair, &rc));
-    if (rc.rc != CMPI_RC_OK) break;
-  }
-  return finish("enumInstances", rslt, rc);
-}
-
-CMPIStatus P::getInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* rslt,
-                          const CMPIObjectPath* op, const char**) {
-  TRACE_DEBUG_AT(providerName, "getInstance", "class=%s op=%s\n", className, objPathText(op));
-  CMPIStatus rc = okStatus();
-  CMPIStatus st = okStatus();
-  CMPIData profile = CMGetKey(op, refLeft, &st);
-  CMPIData element = CMGetKey(op, refRight, &st);
-  std::string profileID;
-  if (profile.type != CMPI_ref || element.type != CMPI_ref || profile.value.ref == nullptr ||
-      element.value.ref == nullptr) {
-    setStatus(&rc, broker, CMPI_RC_ERR_INVALID_PARAMETER, "Can not obtain key properties");
-    return finish("getInstance", rslt, rc);
-  }
-  if (!readProfileID(broker, profile.value.ref, unit, providerName, "getInstance", profileID, &rc)) {
-    return finish("getInstance", rslt, rc);
-  }
-  std::vector<Pair> pairs;
-  if (listPairs(broker, profileID.c_str(), pairs)) {
+  static CMPIStatus enumInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* rslt,
+                                  const CMPIObjectPath* ref, const char**) {
+    static const std::string sampleTag = std::string(P::providerName) + ".enumInstances";
+    AutoTimeStat sample(sampleTag);
+    TRACE_DEBUG_AT(P::providerName, "enumInstances", "class=%s ref=%s\n", P::className,
+                   objPathText(ref));
+    CMPIStatus rc = okStatus();
+    std::vector<Pair> pairs;
+    if (!listPairs(P::broker, nullptr, pairs)) {
+      setStatus(&rc, P::broker, CMPI_RC_ERR_FAILED, "backendEnumInstances() failed");
+    }
     for (const Pair& pair : pairs) {
-      if (!samePath(pair.element, element.value.ref)) continue;
-      CMReturnInstance(rslt, pairInstance(broker, nameSpaceOf(op), pair, &rc));
+      CMReturnInstance(rslt, pairInstance(P::broker, nameSpaceOf(ref), pair, &rc));
+      if (rc.rc != CMPI_RC_OK) break;
+    }
+    return finish("enumInstances", rslt, rc);
+  }
+
+  static CMPIStatus getInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* rslt,
+                                const CMPIObjectPath* op, const char**) {
+    TRACE_DEBUG_AT(P::providerName, "getInstance", "class=%s op=%s\n", P::className,
+                   objPathText(op));
+    CMPIStatus rc = okStatus();
+    CMPIStatus st = okStatus();
+    CMPIData profile = CMGetKey(op, P::refLeft, &st);
+    CMPIData element = CMGetKey(op, P::refRight, &st);
+    std::string profileID;
+    if (profile.type != CMPI_ref || element.type != CMPI_ref || profile.value.ref == nullptr ||
+        element.value.ref == nullptr) {
+      setStatus(&rc, P::broker, CMPI_RC_ERR_INVALID_PARAMETER, "Can not obtain key properties");
       return finish("getInstance", rslt, rc);
     }
+    if (!readProfileID(P::broker, profile.value.ref, P::unit, P::providerName, "getInstance",
+                       profileID, &rc)) {
+      return finish("getInstance", rslt, rc);
+    }
+    std::vector<Pair> pairs;
+    if (listPairs(P::broker, profileID.c_str(), pairs)) {
+      for (const Pair& pair : pairs) {
+        if (!samePath(pair.element, element.value.ref)) continue;
+        CMReturnInstance(rslt, pairInstance(P::broker, nameSpaceOf(op), pair, &rc));
+        return finish("getInstance", rslt, rc);
+      }
+    }
+    setStatus(&rc, P::broker, CMPI_RC_ERR_FAILED, "backendGetInstance() failed");
+    return finish("getInstance", rslt, rc);
   }
-  setStatus(&rc, broker, CMPI_RC_ERR_FAILED, "backendGetInstance() failed");
-  return finish("getInstance", rslt, rc);
-}
 
-CMPIStatus P::associators(CMPIAssociationMI*, const CMPIContext* ctx, const CMPIResult* rslt,
-                          const CMPIObjectPath* cop, const char* assocClass,
-                          const char* resultClass, const char* role, const char* resultRole,
-                          const char** properties) {
-  return associatorsFor("associators", ctx, rslt, cop, assocClass, resultClass, role, resultRole,
-                        properties, true);
-}
+  static CMPIStatus associators(CMPIAssociationMI*, const CMPIContext* ctx, const CMPIResult* rslt,
+                                const CMPIObjectPath* cop, const char* assocClass,
+                                const char* resultClass, const char* role, const char* resultRole,
+                                const char** properties) {
+    return associatorsFor("associators", ctx, rslt, cop, assocClass, resultClass, role, resultRole,
+                          properties, true);
+  }
 
-CMPIStatus P::associatorNames(CMPIAssociationMI*, const CMPIContext* ctx, const CMPIResult* rslt,
-                              const CMPIObjectPath* cop, const char* assocClass,
-                              const char* resultClass, const char* role, const char* resultRole) {
-  return associatorsFor("associatorNames", ctx, rslt, cop, assocClass, resultClass, role,
-                        resultRole, nullptr, false);
-}
+  static CMPIStatus associatorNames(CMPIAssociationMI*, const CMPIContext* ctx,
+                                    const CMPIResult* rslt, const CMPIObjectPath* cop,
+                                    const char* assocClass, const char* resultClass,
+                                    const char* role, const char* resultRole) {
+    return associatorsFor("associatorNames", ctx, rslt, cop, assocClass, resultClass, role,
+                          resultRole, nullptr, false);
+  }
 
-CMPIStatus P::references(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
-                         const CMPIObjectPath* cop, const char* resultClass, const char* role,
-                         const char**) {
-  return referencesFor("references", rslt, cop, resultClass, role, true);
-}
+  static CMPIStatus references(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
+                               const CMPIObjectPath* cop, const char* resultClass, const char* role,
+                               const char**) {
+    return referencesFor("references", rslt, cop, resultClass, role, true);
+  }
 
-CMPIStatus P::referenceNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
-                             const CMPIObjectPath* cop, const char* resultClass,
-                             const char* role) {
-  return referencesFor("referenceNames", rslt, cop, resultClass, role, false);
-}
+  static CMPIStatus referenceNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
+                                   const CMPIObjectPath* cop, const char* resultClass,
+                                   const char* role) {
+    return referencesFor("referenceNames", rslt, cop, resultClass, role, false);
+  }
+};
+
+}  // namespace
 
 extern "C" {
 
 CMPIInstanceMI* QRX_ElementConformsToProfile_Provider_Create_InstanceMI(const CMPIBroker* broker,
                                                                         const CMPIContext*,
                                                                         CMPIStatus*) {
-  return handwrittenInstanceMI<P, P>(broker);
+  return handwrittenInstanceMI<P, ConformanceOps>(broker);
 }
 
 CMPIAssociationMI* QRX_ElementConformsToProfile_Provider_Create_AssociationMI(
     const CMPIBroker* broker, const CMPIContext*, CMPIStatus*) {
-  return handwrittenAssociationMI<P>(broker);
+  return handwrittenAssociationMI<P, ConformanceOps>(broker);
 }
 
 }  // extern "C"

@@ -26,8 +26,7 @@
 #include "cmpift.h"
 #include "provider/HandwrittenProvider.h"
 
-struct QRX_ElementConformsToProfile_Provider
-    : NotOfferedInstanceOps<QRX_ElementConformsToProfile_Provider> {
+struct QRX_ElementConformsToProfile_Provider {
   static constexpr const char* className = "QRX_ElementConformsToProfile";
   static constexpr const char* providerName = "QRX_ElementConformsToProfile_Provider";
   static constexpr const char* unit = "provider/ElementConformsToProfile_Provider";
@@ -35,31 +34,6 @@ struct QRX_ElementConformsToProfile_Provider
   static constexpr const char* refRight = "ManagedElement";
   static inline std::atomic<const CMPIBroker*> broker{nullptr};
   static inline std::atomic<const CMPIBroker*> assocBroker{nullptr};
-
-  // Instance MI (the association objects); the rest is not offered.
-  static CMPIStatus enumInstanceNames(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                      const CMPIResult* rslt, const CMPIObjectPath* ref);
-  static CMPIStatus enumInstances(CMPIInstanceMI* mi, const CMPIContext* ctx,
-                                  const CMPIResult* rslt, const CMPIObjectPath* ref,
-                                  const char** properties);
-  static CMPIStatus getInstance(CMPIInstanceMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
-                                const CMPIObjectPath* op, const char** properties);
-
-  // Association MI.
-  static CMPIStatus associators(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                const CMPIResult* rslt, const CMPIObjectPath* cop,
-                                const char* assocClass, const char* resultClass, const char* role,
-                                const char* resultRole, const char** properties);
-  static CMPIStatus associatorNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                    const CMPIResult* rslt, const CMPIObjectPath* cop,
-                                    const char* assocClass, const char* resultClass,
-                                    const char* role, const char* resultRole);
-  static CMPIStatus references(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                               const CMPIResult* rslt, const CMPIObjectPath* cop,
-                               const char* resultClass, const char* role, const char** properties);
-  static CMPIStatus referenceNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                   const CMPIResult* rslt, const CMPIObjectPath* cop,
-                                   const char* resultClass, const char* role);
 };
 
 extern "C" {

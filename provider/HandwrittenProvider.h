@@ -19,6 +19,7 @@
 #ifndef QRX_PROVIDER_HANDWRITTENPROVIDER_H_
 #define QRX_PROVIDER_HANDWRITTENPROVIDER_H_
 
+#include <atomic>
 #include <mutex>
 #include <string>
 
@@ -59,6 +60,28 @@ struct ListBackend {
 };
 template <class P>
 ListBackend<P> ListBackend<P>::singleton;
+
+// The types and conversions of a hand-written provider type `Self` of the
+// model class ClassT (with its key, array and key array types), whose
+// instances `Self::list(ArrayT&)` lists: Self adds className,
+// providerName and unit. Self may name another backendT and replace the
+// conversions (by declaring its own).
+template <class Self, class ClassT, class KeyT, class ArrayT, class KeyArrayT>
+struct HandwrittenProviderBase : ProviderBase<ClassT, KeyT> {
+  using classT = ClassT;
+  using keyT = KeyT;
+  using classArrayT = ArrayT;
+  using keyArrayT = KeyArrayT;
+  using backendT = ListBackend<Self>;
+  // Stored by the factories; read by every operation.
+  static inline std::atomic<const CMPIBroker*> broker{nullptr};
+
+  // A new path of Self's class in the namespace of `ipRef`, keyed by `irKey`.
+  static CMPIObjectPath* makeObjPath(const CMPIBroker* ipBroker, const CMPIObjectPath* ipRef,
+                                     const KeyT& irKey) {
+    return makeKeyedObjPath(ipBroker, ipRef, Self::className, irKey);
+  }
+};
 
 // The instance operations no hand-written provider offers.
 template <class P>
@@ -134,14 +157,21 @@ struct ListedInstanceOps : NotOfferedInstanceOps<P> {
   }
 };
 
-// The factories' work: the static MI of its kind for P, named once; the
-// broker stored in `irSlot`. Ops supplies the operations (P itself for the
-// association and method kinds).
+// The factories' work: the static MI of its kind for P, named once, with
+// the broker stored in P. Ops supplies the operations of the kind.
 template <class P, class Ops = ListedInstanceOps<P>>
 CMPIInstanceMI* handwrittenInstanceMI(const CMPIBroker* ipBroker) {
   static CMPIInstanceMIFT instMIFT = {
-      200, 200, nullptr, Ops::cleanup, Ops::enumInstanceNames, Ops::enumInstances,
-      Ops::getInstance, Ops::createInstance, Ops::modifyInstance, Ops::deleteInstance,
+      200,
+      200,
+      nullptr,
+      Ops::cleanup,
+      Ops::enumInstanceNames,
+      Ops::enumInstances,
+      Ops::getInstance,
+      Ops::createInstance,
+      Ops::modifyInstance,
+      Ops::deleteInstance,
       Ops::execQuery,
   };
   static CMPIInstanceMI mi = {nullptr, &instMIFT};
@@ -157,11 +187,17 @@ CMPIStatus handwrittenAssocCleanup(CMPIAssociationMI*, const CMPIContext*, CMPIB
   return okStatus();
 }
 
-template <class P>
+template <class P, class Ops = P>
 CMPIAssociationMI* handwrittenAssociationMI(const CMPIBroker* ipBroker) {
   static CMPIAssociationMIFT assocMIFT = {
-      200, 200, nullptr, handwrittenAssocCleanup<P>, P::associators, P::associatorNames,
-      P::references, P::referenceNames,
+      200,
+      200,
+      nullptr,
+      handwrittenAssocCleanup<P>,
+      Ops::associators,
+      Ops::associatorNames,
+      Ops::references,
+      Ops::referenceNames,
   };
   static CMPIAssociationMI mi = {nullptr, &assocMIFT};
   static std::once_flag named;

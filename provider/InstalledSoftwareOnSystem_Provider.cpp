@@ -20,9 +20,8 @@ bool P::list(classArrayT& orOut) {
 
 bool InstalledSoftwareOnSystemBackend::associatorsForRefRight(
     const QRX_AgentSoftwareIdentity_Key& irSource, QRX_Switch_Array& orOut) {
-  return listed_instances::associators<P::classArrayT>(*this, QRX_Switch_Best::singleton,
-                                                       &Link::InstalledSoftware, &Link::System,
-                                                       irSource, orOut);
+  return listed_instances::associators<P::classArrayT>(
+      *this, QRX_Switch_Best::singleton, &Link::InstalledSoftware, &Link::System, irSource, orOut);
 }
 
 bool InstalledSoftwareOnSystemBackend::associatorNamesForRefRight(
@@ -38,15 +37,14 @@ bool InstalledSoftwareOnSystemBackend::referencesForRefRight(
 
 bool InstalledSoftwareOnSystemBackend::associatorsForRefLeft(
     const QRX_Switch_Key& irSource, QRX_AgentSoftwareIdentity_Array& orOut) {
-  return listed_instances::associators<P::classArrayT>(*this, SoftwareBackend::singleton,
-                                                       &Link::System, &Link::InstalledSoftware,
-                                                       irSource, orOut);
+  return listed_instances::associators<P::classArrayT>(
+      *this, SoftwareBackend::singleton, &Link::System, &Link::InstalledSoftware, irSource, orOut);
 }
 
 bool InstalledSoftwareOnSystemBackend::associatorNamesForRefLeft(
     const QRX_Switch_Key& irSource, QRX_AgentSoftwareIdentity_KeyArray& orOut) {
-  return listed_instances::associatorNames<P::classArrayT>(*this, &Link::System,
-                                                           &Link::InstalledSoftware, irSource, orOut);
+  return listed_instances::associatorNames<P::classArrayT>(
+      *this, &Link::System, &Link::InstalledSoftware, irSource, orOut);
 }
 
 bool InstalledSoftwareOnSystemBackend::referencesForRefLeft(
@@ -54,47 +52,57 @@ bool InstalledSoftwareOnSystemBackend::referencesForRefLeft(
   return listed_instances::references(*this, &Link::System, irSource, orOut);
 }
 
-CMPIStatus P::associators(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
-                          const CMPIObjectPath* cop, const char* assocClass,
-                          const char* resultClass, const char* role, const char* resultRole,
-                          const char** properties) {
-  TRACE_DEBUG_AT(providerName, "associators", "class=%s cop=%s assocClass=%s\n", className,
-                 objPathText(cop), assocClass != nullptr ? assocClass : "");
-  CMPIStatus rc = okStatus();
-  if (!assocClassCovers<P>(cop, assocClass, "associators", &rc)) return rc;
-  return associatorsHelper<P>(rslt, cop, assocClass, resultClass, role, resultRole, properties,
-                              true);
-}
+namespace {
 
-CMPIStatus P::associatorNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
-                              const CMPIObjectPath* cop, const char* assocClass,
-                              const char* resultClass, const char* role, const char* resultRole) {
-  TRACE_DEBUG_AT(providerName, "associatorNames", "class=%s cop=%s assocClass=%s\n", className,
-                 objPathText(cop), assocClass != nullptr ? assocClass : "");
-  CMPIStatus rc = okStatus();
-  if (!assocClassCovers<P>(cop, assocClass, "associatorNames", &rc)) return rc;
-  return associatorsHelper<P>(rslt, cop, assocClass, resultClass, role, resultRole, nullptr, false);
-}
+// The association operations of QRX_InstalledSoftwareOnSystem: the
+// generic glue, after the association class check with its error line.
+struct InstalledSoftwareAssociation {
+  static CMPIStatus associators(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
+                                const CMPIObjectPath* cop, const char* assocClass,
+                                const char* resultClass, const char* role, const char* resultRole,
+                                const char** properties) {
+    TRACE_DEBUG_AT(P::providerName, "associators", "class=%s cop=%s assocClass=%s\n", P::className,
+                   objPathText(cop), assocClass != nullptr ? assocClass : "");
+    CMPIStatus rc = okStatus();
+    if (!assocClassCovers<P>(cop, assocClass, "associators", &rc)) return rc;
+    return associatorsHelper<P>(rslt, cop, assocClass, resultClass, role, resultRole, properties,
+                                true);
+  }
 
-CMPIStatus P::references(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
-                         const CMPIObjectPath* cop, const char* resultClass, const char* role,
-                         const char** properties) {
-  TRACE_DEBUG_AT(providerName, "references", "class=%s cop=%s assocClass=%s\n", className,
-                 objPathText(cop), resultClass != nullptr ? resultClass : "");
-  CMPIStatus rc = okStatus();
-  if (!assocClassCovers<P>(cop, resultClass, "references", &rc)) return rc;
-  return referencesHelper<P>(rslt, cop, resultClass, role, properties, true);
-}
+  static CMPIStatus associatorNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
+                                    const CMPIObjectPath* cop, const char* assocClass,
+                                    const char* resultClass, const char* role,
+                                    const char* resultRole) {
+    TRACE_DEBUG_AT(P::providerName, "associatorNames", "class=%s cop=%s assocClass=%s\n",
+                   P::className, objPathText(cop), assocClass != nullptr ? assocClass : "");
+    CMPIStatus rc = okStatus();
+    if (!assocClassCovers<P>(cop, assocClass, "associatorNames", &rc)) return rc;
+    return associatorsHelper<P>(rslt, cop, assocClass, resultClass, role, resultRole, nullptr,
+                                false);
+  }
 
-CMPIStatus P::referenceNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
-                             const CMPIObjectPath* cop, const char* resultClass,
-                             const char* role) {
-  TRACE_DEBUG_AT(providerName, "referenceNames", "class=%s cop=%s assocClass=%s\n", className,
-                 objPathText(cop), resultClass != nullptr ? resultClass : "");
-  CMPIStatus rc = okStatus();
-  if (!assocClassCovers<P>(cop, resultClass, "referenceNames", &rc)) return rc;
-  return referencesHelper<P>(rslt, cop, resultClass, role, nullptr, false);
-}
+  static CMPIStatus references(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
+                               const CMPIObjectPath* cop, const char* resultClass, const char* role,
+                               const char** properties) {
+    TRACE_DEBUG_AT(P::providerName, "references", "class=%s cop=%s assocClass=%s\n", P::className,
+                   objPathText(cop), resultClass != nullptr ? resultClass : "");
+    CMPIStatus rc = okStatus();
+    if (!assocClassCovers<P>(cop, resultClass, "references", &rc)) return rc;
+    return referencesHelper<P>(rslt, cop, resultClass, role, properties, true);
+  }
+
+  static CMPIStatus referenceNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
+                                   const CMPIObjectPath* cop, const char* resultClass,
+                                   const char* role) {
+    TRACE_DEBUG_AT(P::providerName, "referenceNames", "class=%s cop=%s assocClass=%s\n",
+                   P::className, objPathText(cop), resultClass != nullptr ? resultClass : "");
+    CMPIStatus rc = okStatus();
+    if (!assocClassCovers<P>(cop, resultClass, "referenceNames", &rc)) return rc;
+    return referencesHelper<P>(rslt, cop, resultClass, role, nullptr, false);
+  }
+};
+
+}  // namespace
 
 extern "C" {
 
@@ -106,7 +114,7 @@ CMPIInstanceMI* QRX_InstalledSoftwareOnSystem_Provider_Create_InstanceMI(const C
 
 CMPIAssociationMI* QRX_InstalledSoftwareOnSystem_Provider_Create_AssociationMI(
     const CMPIBroker* broker, const CMPIContext*, CMPIStatus*) {
-  return handwrittenAssociationMI<P>(broker);
+  return handwrittenAssociationMI<P, InstalledSoftwareAssociation>(broker);
 }
 
 }  // extern "C"

@@ -18,11 +18,10 @@
 struct InstalledSoftwareOnSystemBackend;
 
 struct QRX_InstalledSoftwareOnSystem_Provider
-    : ProviderBase<QRX_InstalledSoftwareOnSystem, QRX_InstalledSoftwareOnSystem_Key> {
-  using classT = QRX_InstalledSoftwareOnSystem;
-  using keyT = QRX_InstalledSoftwareOnSystem_Key;
-  using classArrayT = QRX_InstalledSoftwareOnSystem_Array;
-  using keyArrayT = QRX_InstalledSoftwareOnSystem_KeyArray;
+    : HandwrittenProviderBase<QRX_InstalledSoftwareOnSystem_Provider, QRX_InstalledSoftwareOnSystem,
+                              QRX_InstalledSoftwareOnSystem_Key,
+                              QRX_InstalledSoftwareOnSystem_Array,
+                              QRX_InstalledSoftwareOnSystem_KeyArray> {
   using backendT = InstalledSoftwareOnSystemBackend;
   static constexpr const char* className = "QRX_InstalledSoftwareOnSystem";
   static constexpr const char* providerName = "QRX_InstalledSoftwareOnSystem_Provider";
@@ -31,30 +30,11 @@ struct QRX_InstalledSoftwareOnSystem_Provider
   static constexpr const char* refRight = "System";
   using leftProviderT = QRX_AgentSoftwareIdentity_Provider;
   using rightProviderT = QRX_Switch_Provider;
-  static inline std::atomic<const CMPIBroker*> broker{nullptr};
   static inline std::atomic<const CMPIBroker*> assocBroker{nullptr};
 
   // The software identity paired with each switch; false when the
   // switches cannot be read.
   static bool list(classArrayT& orOut);
-  static CMPIObjectPath* makeObjPath(const CMPIBroker* b, const CMPIObjectPath* ref, const keyT& key) {
-    return makeKeyedObjPath(b, ref, className, key);
-  }
-
-  static CMPIStatus associators(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                const CMPIResult* rslt, const CMPIObjectPath* cop,
-                                const char* assocClass, const char* resultClass, const char* role,
-                                const char* resultRole, const char** properties);
-  static CMPIStatus associatorNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                    const CMPIResult* rslt, const CMPIObjectPath* cop,
-                                    const char* assocClass, const char* resultClass,
-                                    const char* role, const char* resultRole);
-  static CMPIStatus references(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                               const CMPIResult* rslt, const CMPIObjectPath* cop,
-                               const char* resultClass, const char* role, const char** properties);
-  static CMPIStatus referenceNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                   const CMPIResult* rslt, const CMPIObjectPath* cop,
-                                   const char* resultClass, const char* role);
 };
 
 // The association's backend: its instances pair the software identity
@@ -63,12 +43,14 @@ struct InstalledSoftwareOnSystemBackend : ListBackend<QRX_InstalledSoftwareOnSys
   static InstalledSoftwareOnSystemBackend singleton;
 
   // The switches (System) for the software identity, and the other way.
-  bool associatorsForRefRight(const QRX_AgentSoftwareIdentity_Key& irSource, QRX_Switch_Array& orOut);
+  bool associatorsForRefRight(const QRX_AgentSoftwareIdentity_Key& irSource,
+                              QRX_Switch_Array& orOut);
   bool associatorNamesForRefRight(const QRX_AgentSoftwareIdentity_Key& irSource,
                                   QRX_Switch_KeyArray& orOut);
   bool referencesForRefRight(const QRX_AgentSoftwareIdentity_Key& irSource,
                              QRX_InstalledSoftwareOnSystem_Array& orOut);
-  bool associatorsForRefLeft(const QRX_Switch_Key& irSource, QRX_AgentSoftwareIdentity_Array& orOut);
+  bool associatorsForRefLeft(const QRX_Switch_Key& irSource,
+                             QRX_AgentSoftwareIdentity_Array& orOut);
   bool associatorNamesForRefLeft(const QRX_Switch_Key& irSource,
                                  QRX_AgentSoftwareIdentity_KeyArray& orOut);
   bool referencesForRefLeft(const QRX_Switch_Key& irSource,

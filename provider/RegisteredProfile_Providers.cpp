@@ -54,9 +54,10 @@ void returnRow(const CMPIBroker* ipBroker, const RowsT& irRows, const std::strin
   }
 }
 
-CMPIStatus traverse(const char* ipOperation, const CMPIResult* ipResult, const CMPIObjectPath* ipCop,
-                    const char* ipAssocClass, const char* ipResultClass, const char* ipRole,
-                    const char* ipResultRole, Want ipWant) {
+CMPIStatus traverse(const char* ipOperation, const CMPIResult* ipResult,
+                    const CMPIObjectPath* ipCop, const char* ipAssocClass,
+                    const char* ipResultClass, const char* ipRole, const char* ipResultRole,
+                    Want ipWant) {
   const CMPIBroker* broker = Requires::assocBroker;
   CMPIStatus rc = okStatus();
   if (!assocClassCovers<Requires>(ipCop, ipAssocClass, ipOperation, &rc)) return rc;
@@ -77,21 +78,22 @@ CMPIStatus traverse(const char* ipOperation, const CMPIResult* ipResult, const C
   QRX_SubProfileRequiresProfile_Array links;
   Requires::list(links);
   for (const QRX_SubProfileRequiresProfile& link : links) {
-    const std::string& source = fromProfile ? link.Antecedent.InstanceID : link.Dependent.InstanceID;
+    const std::string& source =
+        fromProfile ? link.Antecedent.InstanceID : link.Dependent.InstanceID;
     const std::string& other = fromProfile ? link.Dependent.InstanceID : link.Antecedent.InstanceID;
     if (source != id) continue;
     switch (ipWant) {
       case Want::AssociatorNames:
-        CMReturnObjectPath(ipResult,
-                           profilePath(broker, fromProfile ? kSubProfileClass : kProfileClass, other));
+        CMReturnObjectPath(
+            ipResult, profilePath(broker, fromProfile ? kSubProfileClass : kProfileClass, other));
         break;
       case Want::Associators:
         if (fromProfile) {
           returnRow<QRX_RegisteredSubProfile_Provider>(broker, registeredSubProfiles(), other,
-                                                      ipResult, &rc);
+                                                       ipResult, &rc);
         } else {
           returnRow<QRX_RegisteredProfile_Provider>(broker, registeredProfiles(), other, ipResult,
-                                                   &rc);
+                                                    &rc);
         }
         break;
       case Want::References: {
@@ -102,8 +104,8 @@ CMPIStatus traverse(const char* ipOperation, const CMPIResult* ipResult, const C
         break;
       }
       case Want::ReferenceNames:
-        CMReturnObjectPath(ipResult,
-                           Requires::makeObjPath(broker, ipCop, QRX_SubProfileRequiresProfile_Key(link)));
+        CMReturnObjectPath(ipResult, Requires::makeObjPath(
+                                         broker, ipCop, QRX_SubProfileRequiresProfile_Key(link)));
         break;
     }
     if (rc.rc != CMPI_RC_OK) return rc;
@@ -167,12 +169,15 @@ bool readProfileID(const CMPIBroker* ipBroker, const CMPIObjectPath* ipPath, con
     id = CMGetCharPtr(data.value.string);
   }
   if (id == nullptr) {
-    TRACE_ERROR_AT(ipUnit, ipOwner, ipOperation, "Could not get CIM_RegisteredProfile.InstanceID\n");
-    setStatus(opRc, ipBroker, CMPI_RC_ERR_INVALID_PARAMETER, "Missing CIM_RegisteredProfile.InstanceID");
+    TRACE_ERROR_AT(ipUnit, ipOwner, ipOperation,
+                   "Could not get CIM_RegisteredProfile.InstanceID\n");
+    setStatus(opRc, ipBroker, CMPI_RC_ERR_INVALID_PARAMETER,
+              "Missing CIM_RegisteredProfile.InstanceID");
     return false;
   }
   if (!knownID(id)) {
-    TRACE_ERROR_AT(ipUnit, ipOwner, ipOperation, "Invalid CIM_RegisteredProfile.InstanceID=%s\n", id);
+    TRACE_ERROR_AT(ipUnit, ipOwner, ipOperation, "Invalid CIM_RegisteredProfile.InstanceID=%s\n",
+                   id);
     setStatus(opRc, ipBroker, CMPI_RC_ERR_INVALID_PARAMETER,
               "Illegal value CIM_RegisteredProfile.InstanceID");
     return false;
@@ -232,34 +237,41 @@ CMPIObjectPath* Requires::makeObjPath(const CMPIBroker* ipBroker, const CMPIObje
   return path;
 }
 
-CMPIStatus Requires::associators(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
-                                 const CMPIObjectPath* cop, const char* assocClass,
-                                 const char* resultClass, const char* role, const char* resultRole,
-                                 const char**) {
-  return traverse("associators", rslt, cop, assocClass, resultClass, role, resultRole,
-                  Want::Associators);
-}
+namespace {
 
-CMPIStatus Requires::associatorNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
-                                     const CMPIObjectPath* cop, const char* assocClass,
-                                     const char* resultClass, const char* role,
-                                     const char* resultRole) {
-  return traverse("associatorNames", rslt, cop, assocClass, resultClass, role, resultRole,
-                  Want::AssociatorNames);
-}
+// The association operations of QRX_SubProfileRequiresProfile.
+struct RequiresAssociation {
+  static CMPIStatus associators(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
+                                const CMPIObjectPath* cop, const char* assocClass,
+                                const char* resultClass, const char* role, const char* resultRole,
+                                const char**) {
+    return traverse("associators", rslt, cop, assocClass, resultClass, role, resultRole,
+                    Want::Associators);
+  }
 
-CMPIStatus Requires::references(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
-                                const CMPIObjectPath* cop, const char* resultClass,
-                                const char* role, const char**) {
-  return traverse("references", rslt, cop, resultClass, nullptr, role, nullptr, Want::References);
-}
+  static CMPIStatus associatorNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
+                                    const CMPIObjectPath* cop, const char* assocClass,
+                                    const char* resultClass, const char* role,
+                                    const char* resultRole) {
+    return traverse("associatorNames", rslt, cop, assocClass, resultClass, role, resultRole,
+                    Want::AssociatorNames);
+  }
 
-CMPIStatus Requires::referenceNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
-                                    const CMPIObjectPath* cop, const char* resultClass,
-                                    const char* role) {
-  return traverse("referenceNames", rslt, cop, resultClass, nullptr, role, nullptr,
-                  Want::ReferenceNames);
-}
+  static CMPIStatus references(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
+                               const CMPIObjectPath* cop, const char* resultClass, const char* role,
+                               const char**) {
+    return traverse("references", rslt, cop, resultClass, nullptr, role, nullptr, Want::References);
+  }
+
+  static CMPIStatus referenceNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
+                                   const CMPIObjectPath* cop, const char* resultClass,
+                                   const char* role) {
+    return traverse("referenceNames", rslt, cop, resultClass, nullptr, role, nullptr,
+                    Want::ReferenceNames);
+  }
+};
+
+}  // namespace
 
 extern "C" {
 
@@ -282,7 +294,7 @@ CMPIInstanceMI* QRX_SubProfileRequiresProfile_Provider_Create_InstanceMI(const C
 
 CMPIAssociationMI* QRX_SubProfileRequiresProfile_Provider_Create_AssociationMI(
     const CMPIBroker* broker, const CMPIContext*, CMPIStatus*) {
-  return handwrittenAssociationMI<Requires>(broker);
+  return handwrittenAssociationMI<Requires, RequiresAssociation>(broker);
 }
 
 }  // extern "C"

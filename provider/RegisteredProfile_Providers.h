@@ -43,54 +43,41 @@ bool readProfileID(const CMPIBroker* ipBroker, const CMPIObjectPath* ipPath, con
 CMPIObjectPath* profilePath(const CMPIBroker* ipBroker, const char* ipClassName,
                             const std::string& irID);
 
-struct QRX_RegisteredProfile_Provider : ProviderBase<QRX_RegisteredProfile, QRX_RegisteredProfile_Key> {
-  using classT = QRX_RegisteredProfile;
-  using keyT = QRX_RegisteredProfile_Key;
-  using classArrayT = QRX_RegisteredProfile_Array;
-  using keyArrayT = QRX_RegisteredProfile_KeyArray;
-  using backendT = ListBackend<QRX_RegisteredProfile_Provider>;
+struct QRX_RegisteredProfile_Provider
+    : HandwrittenProviderBase<QRX_RegisteredProfile_Provider, QRX_RegisteredProfile,
+                              QRX_RegisteredProfile_Key, QRX_RegisteredProfile_Array,
+                              QRX_RegisteredProfile_KeyArray> {
   static constexpr const char* className = "QRX_RegisteredProfile";
   static constexpr const char* providerName = "QRX_RegisteredProfile_Provider";
   static constexpr const char* unit = "provider/RegisteredProfile_Providers";
-  static inline std::atomic<const CMPIBroker*> broker{nullptr};
 
   static bool list(classArrayT& orOut);
-  static CMPIObjectPath* makeObjPath(const CMPIBroker* b, const CMPIObjectPath* ref, const keyT& key) {
-    return makeKeyedObjPath(b, ref, className, key);
-  }
 };
 
 struct QRX_RegisteredSubProfile_Provider
-    : ProviderBase<QRX_RegisteredSubProfile, QRX_RegisteredSubProfile_Key> {
-  using classT = QRX_RegisteredSubProfile;
-  using keyT = QRX_RegisteredSubProfile_Key;
-  using classArrayT = QRX_RegisteredSubProfile_Array;
-  using keyArrayT = QRX_RegisteredSubProfile_KeyArray;
-  using backendT = ListBackend<QRX_RegisteredSubProfile_Provider>;
+    : HandwrittenProviderBase<QRX_RegisteredSubProfile_Provider, QRX_RegisteredSubProfile,
+                              QRX_RegisteredSubProfile_Key, QRX_RegisteredSubProfile_Array,
+                              QRX_RegisteredSubProfile_KeyArray> {
   static constexpr const char* className = "QRX_RegisteredSubProfile";
   static constexpr const char* providerName = "QRX_RegisteredSubProfile_Provider";
   static constexpr const char* unit = "provider/RegisteredProfile_Providers";
-  static inline std::atomic<const CMPIBroker*> broker{nullptr};
 
   static bool list(classArrayT& orOut);
-  static CMPIObjectPath* makeObjPath(const CMPIBroker* b, const CMPIObjectPath* ref, const keyT& key) {
-    return makeKeyedObjPath(b, ref, className, key);
-  }
 };
 
-// Antecedent: the profile; Dependent: the subprofile.
-struct QRX_SubProfileRequiresProfile_Provider {
-  using classT = QRX_SubProfileRequiresProfile;
-  using keyT = QRX_SubProfileRequiresProfile_Key;
-  using classArrayT = QRX_SubProfileRequiresProfile_Array;
-  using keyArrayT = QRX_SubProfileRequiresProfile_KeyArray;
-  using backendT = ListBackend<QRX_SubProfileRequiresProfile_Provider>;
+// Antecedent: the profile; Dependent: the subprofile. Associators go from a
+// profile to its subprofiles and from a subprofile to the profile it
+// requires; references from either end.
+struct QRX_SubProfileRequiresProfile_Provider
+    : HandwrittenProviderBase<QRX_SubProfileRequiresProfile_Provider, QRX_SubProfileRequiresProfile,
+                              QRX_SubProfileRequiresProfile_Key,
+                              QRX_SubProfileRequiresProfile_Array,
+                              QRX_SubProfileRequiresProfile_KeyArray> {
   static constexpr const char* className = "QRX_SubProfileRequiresProfile";
   static constexpr const char* providerName = "QRX_SubProfileRequiresProfile_Provider";
   static constexpr const char* unit = "provider/RegisteredProfile_Providers";
   static constexpr const char* refLeft = "Antecedent";
   static constexpr const char* refRight = "Dependent";
-  static inline std::atomic<const CMPIBroker*> broker{nullptr};
   static inline std::atomic<const CMPIBroker*> assocBroker{nullptr};
 
   // One instance per subprofile, each requiring the Fabric profile.
@@ -102,23 +89,6 @@ struct QRX_SubProfileRequiresProfile_Provider {
                              CMPIStatus* opRc);
   static CMPIObjectPath* makeObjPath(const CMPIBroker* ipBroker, const CMPIObjectPath* ipRef,
                                      const keyT& irKey);
-
-  // Association MI: from a profile its subprofiles, from a subprofile the
-  // profile it requires.
-  static CMPIStatus associators(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                const CMPIResult* rslt, const CMPIObjectPath* cop,
-                                const char* assocClass, const char* resultClass, const char* role,
-                                const char* resultRole, const char** properties);
-  static CMPIStatus associatorNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                    const CMPIResult* rslt, const CMPIObjectPath* cop,
-                                    const char* assocClass, const char* resultClass,
-                                    const char* role, const char* resultRole);
-  static CMPIStatus references(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                               const CMPIResult* rslt, const CMPIObjectPath* cop,
-                               const char* resultClass, const char* role, const char** properties);
-  static CMPIStatus referenceNames(CMPIAssociationMI* mi, const CMPIContext* ctx,
-                                   const CMPIResult* rslt, const CMPIObjectPath* cop,
-                                   const char* resultClass, const char* role);
 };
 
 extern "C" {

@@ -15,22 +15,15 @@
 #include "generated/scimclasses/QRX_DebugFacility.h"
 #include "provider/HandwrittenProvider.h"
 
-struct QRX_DebugFacility_Provider : ProviderBase<QRX_DebugFacility, QRX_DebugFacility_Key> {
-  using classT = QRX_DebugFacility;
-  using keyT = QRX_DebugFacility_Key;
-  using classArrayT = QRX_DebugFacility_Array;
-  using keyArrayT = QRX_DebugFacility_KeyArray;
-  using backendT = ListBackend<QRX_DebugFacility_Provider>;
+struct QRX_DebugFacility_Provider
+    : HandwrittenProviderBase<QRX_DebugFacility_Provider, QRX_DebugFacility, QRX_DebugFacility_Key,
+                              QRX_DebugFacility_Array, QRX_DebugFacility_KeyArray> {
   static constexpr const char* className = "QRX_DebugFacility";
   static constexpr const char* providerName = "QRX_DebugFacility_Provider";
   static constexpr const char* unit = "support/DebugFacility_Provider";
-  static inline std::atomic<const CMPIBroker*> broker{nullptr};
   static inline std::atomic<const CMPIBroker*> methodBroker{nullptr};
 
   static bool list(classArrayT& orOut);
-  static CMPIObjectPath* makeObjPath(const CMPIBroker* b, const CMPIObjectPath* ref, const keyT& key) {
-    return makeKeyedObjPath(b, ref, className, key);
-  }
 
   static CMPIStatus invokeMethod(CMPIMethodMI* mi, const CMPIContext* ctx, const CMPIResult* rslt,
                                  const CMPIObjectPath* op, const char* methodName,

@@ -18,22 +18,17 @@ QRX_EnumPerfRecord perfRecord(const ScimPerfEntry& irEntry);
 
 struct EnumPerfRecordBackend;
 
-struct QRX_EnumPerfRecord_Provider : ProviderBase<QRX_EnumPerfRecord, QRX_EnumPerfRecord_Key> {
-  using classT = QRX_EnumPerfRecord;
-  using keyT = QRX_EnumPerfRecord_Key;
-  using classArrayT = QRX_EnumPerfRecord_Array;
-  using keyArrayT = QRX_EnumPerfRecord_KeyArray;
+struct QRX_EnumPerfRecord_Provider
+    : HandwrittenProviderBase<QRX_EnumPerfRecord_Provider, QRX_EnumPerfRecord,
+                              QRX_EnumPerfRecord_Key, QRX_EnumPerfRecord_Array,
+                              QRX_EnumPerfRecord_KeyArray> {
   using backendT = EnumPerfRecordBackend;
   static constexpr const char* className = "QRX_EnumPerfRecord";
   static constexpr const char* providerName = "QRX_EnumPerfRecord_Provider";
   static constexpr const char* unit = "support/EnumPerfRecord_Provider";
-  static inline std::atomic<const CMPIBroker*> broker{nullptr};
 
   // One record per tag, in tag order.
   static bool list(classArrayT& orOut);
-  static CMPIObjectPath* makeObjPath(const CMPIBroker* b, const CMPIObjectPath* ref, const keyT& key) {
-    return makeKeyedObjPath(b, ref, className, key);
-  }
 };
 
 // Lists every tag; gets one tag's statistics without computing the others.

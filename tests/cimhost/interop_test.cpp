@@ -11,12 +11,11 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "tests/cimhost/RunTool.h"
 #include "tests/support/TraceCapture.h"
@@ -60,8 +59,8 @@ TEST(InteropEndToEnd, AClientFindsTheProfilesTheirElementsAndTheSupportClasses) 
   switchsim::Simulator sim(model);
   std::string error;
   ASSERT_TRUE(sim.start(&error)) << error;
-  const std::string sw = "root/qrx:QRX_Switch.CreationClassName=\"QRX_Switch\",Name=\"" +
-                         model.switchInfo.name + "\"";
+  const std::string sw =
+      "root/qrx:QRX_Switch.CreationClassName=\"QRX_Switch\",Name=\"" + model.switchInfo.name + "\"";
 
   const std::string script = trace.path() + ".script";
   std::ofstream(script)
@@ -72,7 +71,8 @@ TEST(InteropEndToEnd, AClientFindsTheProfilesTheirElementsAndTheSupportClasses) 
       << "echo == fabric\n"
       << "an '" << kFabricProfile << "' --ac QRX_ElementConformsToProfile --rc CIM_AdminDomain\n"
       << "echo == software\n"
-      << "an '" << kFabricProfile << "' --ac QRX_ElementConformsToProfile --rc CIM_SoftwareIdentity\n"
+      << "an '" << kFabricProfile
+      << "' --ac QRX_ElementConformsToProfile --rc CIM_SoftwareIdentity\n"
       << "echo == from fabric profile\n"
       << "an '" << kFabricProfile << "'\n"
       << "echo == installed\n"
@@ -89,16 +89,18 @@ TEST(InteropEndToEnd, AClientFindsTheProfilesTheirElementsAndTheSupportClasses) 
   ASSERT_EQ(0, run.exitCode) << run.err;
   std::map<std::string, std::string> out = sections(run.out);
 
-  EXPECT_EQ((std::vector<std::string>{kFabricProfile, kSwitchProfile,
-                                      "root/interop:QRX_RegisteredProfile.InstanceID=\"QRX:Indication.1.2.0\"",
-                                      "root/interop:QRX_RegisteredProfile.InstanceID=\"QRX:Server.1.2.0\""}),
+  EXPECT_EQ((std::vector<std::string>{
+                kFabricProfile, kSwitchProfile,
+                "root/interop:QRX_RegisteredProfile.InstanceID=\"QRX:Indication.1.2.0\"",
+                "root/interop:QRX_RegisteredProfile.InstanceID=\"QRX:Server.1.2.0\""}),
             lines(out["profiles"]));
   EXPECT_EQ(std::vector<std::string>{sw}, lines(out["switch"]));
   EXPECT_EQ(std::vector<std::string>{"root/qrx:QRX_Fabric.Name=\"" + model.fabric.name +
                                      "\",CreationClassName=\"QRX_Fabric\""},
             lines(out["fabric"]));
   EXPECT_EQ((std::vector<std::string>{
-                "root/qrx:QRX_SoftwareIdentity.InstanceID=\"QRX:Firmware:" + model.software.version + "\"",
+                "root/qrx:QRX_SoftwareIdentity.InstanceID=\"QRX:Firmware:" +
+                    model.software.version + "\"",
                 "root/qrx:QRX_AgentSoftwareIdentity.InstanceID=\"QRX:QRX_SMIAgentSoftware\""}),
             lines(out["software"]))
       << out["software"];
@@ -106,23 +108,26 @@ TEST(InteropEndToEnd, AClientFindsTheProfilesTheirElementsAndTheSupportClasses) 
   // (the host has no object manager instance to offer).
   const std::vector<std::string> fromFabric = lines(out["from fabric profile"]);
   EXPECT_EQ(9u, fromFabric.size()) << out["from fabric profile"];
-  EXPECT_NE(fromFabric.end(), std::find(fromFabric.begin(), fromFabric.end(),
-                                        "root/interop:QRX_RegisteredSubProfile.InstanceID=\"QRX:Zone Control\""));
+  EXPECT_NE(fromFabric.end(),
+            std::find(fromFabric.begin(), fromFabric.end(),
+                      "root/interop:QRX_RegisteredSubProfile.InstanceID=\"QRX:Zone Control\""));
   EXPECT_NE(fromFabric.end(), std::find(fromFabric.begin(), fromFabric.end(), sw));
 
   const nlohmann::json installed = nlohmann::json::parse(out["installed"]);
   ASSERT_EQ(1u, installed.size());
   EXPECT_EQ("0.1(2)", installed[0]["properties"]["VersionString"]);
-  EXPECT_EQ(std::vector<std::string>{"root/interop:QRX_ElementConformsToProfile.ConformantStandard=\"" +
-                                     std::regex_replace(kSwitchProfile, std::regex("\""), "\\\"") +
-                                     "\",ManagedElement=\"" +
-                                     std::regex_replace(sw, std::regex("\""), "\\\"") + "\""},
-            lines(out["conformance"]));
+  EXPECT_EQ(
+      std::vector<std::string>{"root/interop:QRX_ElementConformsToProfile.ConformantStandard=\"" +
+                               std::regex_replace(kSwitchProfile, std::regex("\""), "\\\"") +
+                               "\",ManagedElement=\"" +
+                               std::regex_replace(sw, std::regex("\""), "\\\"") + "\""},
+      lines(out["conformance"]));
 
   // Debug on: the enumeration's lines reach the trace, and every line has
   // one of the two shapes (the glue's naming the provider and operation).
   EXPECT_NE(std::string::npos, out["debug"].find("ReturnValue = 0"));
-  EXPECT_NE(std::string::npos, out["debug"].find("    Name = \"" + model.switchInfo.name + "\";\n"));
+  EXPECT_NE(std::string::npos,
+            out["debug"].find("    Name = \"" + model.switchInfo.name + "\";\n"));
   EXPECT_EQ(std::string::npos, out["debug"].find("ElementName")) << "only the listed property";
   const std::string log = trace.text();
   EXPECT_NE(std::string::npos, log.find("[QRX_Switch_Provider_enumInstances, "));

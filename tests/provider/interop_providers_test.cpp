@@ -69,9 +69,8 @@ class InteropProviders : public ::testing::Test {
   std::vector<T> enumerate(CMPIInstanceMI* ipMi, const char* ipNameSpace, const char* ipClass,
                            CMPIStatus* opRc = nullptr) {
     cimhost::ResultRecorder result(*ivBroker);
-    CMPIStatus rc =
-        ipMi->ft->enumerateInstances(ipMi, ctx(), result.result(), path(ipNameSpace, ipClass, nullptr),
-                                     nullptr);
+    CMPIStatus rc = ipMi->ft->enumerateInstances(ipMi, ctx(), result.result(),
+                                                 path(ipNameSpace, ipClass, nullptr), nullptr);
     if (opRc != nullptr) *opRc = rc;
     std::vector<T> out;
     for (const CMPIInstance* instance : result.instances()) {
@@ -133,8 +132,8 @@ TEST_F(InteropProviders, RegisteredProfilesAndSubProfilesAreTheTable) {
     EXPECT_EQ(11, profiles[i].RegisteredOrganization);
     EXPECT_EQ(cuint16_A{2}, profiles[i].AdvertiseTypes);
   }
-  const auto subs =
-      enumerate<QRX_RegisteredSubProfile>(ivSubProfiles, "root/interop", "QRX_RegisteredSubProfile");
+  const auto subs = enumerate<QRX_RegisteredSubProfile>(ivSubProfiles, "root/interop",
+                                                        "QRX_RegisteredSubProfile");
   const char* const subNames[] = {"Enhanced Zoning and Enhanced Zoning Control", "Zone Control",
                                   "Access Points", "Software", "Location"};
   ASSERT_EQ(5u, subs.size());
@@ -148,43 +147,48 @@ TEST_F(InteropProviders, RegisteredProfilesAndSubProfilesAreTheTable) {
 
   // Names answer in the request's namespace; getInstance finds a row.
   cimhost::ResultRecorder names(*ivBroker);
-  ASSERT_EQ(CMPI_RC_OK, ivProfiles->ft->enumerateInstanceNames(
-                            ivProfiles, ctx(), names.result(),
-                            path("root/interop", "QRX_RegisteredProfile", nullptr))
-                            .rc);
+  ASSERT_EQ(CMPI_RC_OK,
+            ivProfiles->ft
+                ->enumerateInstanceNames(ivProfiles, ctx(), names.result(),
+                                         path("root/interop", "QRX_RegisteredProfile", nullptr))
+                .rc);
   ASSERT_EQ(4u, names.objectPaths().size());
   EXPECT_EQ("root/interop:QRX_RegisteredProfile.InstanceID=\"QRX:Switch.1.2.0\"",
             pathText(names.objectPaths()[1]));
   cimhost::ResultRecorder got(*ivBroker);
-  EXPECT_EQ(CMPI_RC_OK, ivSubProfiles->ft->getInstance(ivSubProfiles, ctx(), got.result(),
-                                                        path("root/interop", "QRX_RegisteredSubProfile",
-                                                             "QRX:Location"),
-                                                        nullptr)
-                            .rc);
+  EXPECT_EQ(
+      CMPI_RC_OK,
+      ivSubProfiles->ft
+          ->getInstance(ivSubProfiles, ctx(), got.result(),
+                        path("root/interop", "QRX_RegisteredSubProfile", "QRX:Location"), nullptr)
+          .rc);
   EXPECT_EQ(1u, got.instances().size());
   cimhost::ResultRecorder none(*ivBroker);
-  EXPECT_EQ(CMPI_RC_ERR_FAILED, ivSubProfiles->ft->getInstance(ivSubProfiles, ctx(), none.result(),
-                                                                profile("QRX:Nothing"), nullptr)
-                                    .rc);
+  EXPECT_EQ(CMPI_RC_ERR_FAILED,
+            ivSubProfiles->ft
+                ->getInstance(ivSubProfiles, ctx(), none.result(), profile("QRX:Nothing"), nullptr)
+                .rc);
 }
 
 TEST_F(InteropProviders, EverySubProfileRequiresTheFabricProfile) {
   cimhost::ResultRecorder links(*ivBroker);
-  ASSERT_EQ(CMPI_RC_OK,
-            ivRequires->ft->enumerateInstanceNames(
-                              ivRequires, ctx(), links.result(),
-                              path("root/interop", "QRX_SubProfileRequiresProfile", nullptr))
-                .rc);
+  ASSERT_EQ(CMPI_RC_OK, ivRequires->ft
+                            ->enumerateInstanceNames(
+                                ivRequires, ctx(), links.result(),
+                                path("root/interop", "QRX_SubProfileRequiresProfile", nullptr))
+                            .rc);
   ASSERT_EQ(5u, links.objectPaths().size());
-  EXPECT_EQ("root/interop:QRX_SubProfileRequiresProfile.Antecedent="
-            "\"root/interop:QRX_RegisteredProfile.InstanceID=\\\"QRX:Fabric.1.2.0\\\"\","
-            "Dependent=\"root/interop:QRX_RegisteredSubProfile.InstanceID=\\\"QRX:Zone Control\\\"\"",
-            pathText(links.objectPaths()[1]));
+  EXPECT_EQ(
+      "root/interop:QRX_SubProfileRequiresProfile.Antecedent="
+      "\"root/interop:QRX_RegisteredProfile.InstanceID=\\\"QRX:Fabric.1.2.0\\\"\","
+      "Dependent=\"root/interop:QRX_RegisteredSubProfile.InstanceID=\\\"QRX:Zone Control\\\"\"",
+      pathText(links.objectPaths()[1]));
   // The association objects read back through getInstance.
   cimhost::ResultRecorder got(*ivBroker);
-  EXPECT_EQ(CMPI_RC_OK, ivRequires->ft->getInstance(ivRequires, ctx(), got.result(),
-                                                     links.objectPaths()[1], nullptr)
-                            .rc);
+  EXPECT_EQ(
+      CMPI_RC_OK,
+      ivRequires->ft->getInstance(ivRequires, ctx(), got.result(), links.objectPaths()[1], nullptr)
+          .rc);
   EXPECT_EQ(1u, got.instances().size());
 
   CMPIStatus rc;
@@ -192,32 +196,34 @@ TEST_F(InteropProviders, EverySubProfileRequiresTheFabricProfile) {
       associatorNames(ivRequiresAssoc, profile("QRX:Fabric.1.2.0"), nullptr, nullptr, &rc);
   EXPECT_EQ(CMPI_RC_OK, rc.rc);
   ASSERT_EQ(5u, fromFabric.size());
-  EXPECT_EQ("root/interop:QRX_RegisteredSubProfile.InstanceID=\"QRX:Enhanced Zoning and Enhanced "
-            "Zoning Control\"",
-            fromFabric[0]);
-  EXPECT_TRUE(associatorNames(ivRequiresAssoc, profile("QRX:Switch.1.2.0"), nullptr, nullptr, &rc)
-                  .empty());
+  EXPECT_EQ(
+      "root/interop:QRX_RegisteredSubProfile.InstanceID=\"QRX:Enhanced Zoning and Enhanced "
+      "Zoning Control\"",
+      fromFabric[0]);
+  EXPECT_TRUE(
+      associatorNames(ivRequiresAssoc, profile("QRX:Switch.1.2.0"), nullptr, nullptr, &rc).empty());
   EXPECT_EQ(CMPI_RC_OK, rc.rc);
   const auto fromSoftware = associatorNames(
       ivRequiresAssoc, path("root/interop", "QRX_RegisteredSubProfile", "QRX:Software"),
       "CIM_SubProfileRequiresProfile", nullptr, &rc);
   EXPECT_EQ(CMPI_RC_OK, rc.rc);
-  EXPECT_EQ(std::vector<std::string>{
-                "root/interop:QRX_RegisteredProfile.InstanceID=\"QRX:Fabric.1.2.0\""},
-            fromSoftware);
+  EXPECT_EQ(
+      std::vector<std::string>{
+          "root/interop:QRX_RegisteredProfile.InstanceID=\"QRX:Fabric.1.2.0\""},
+      fromSoftware);
 
   // The subprofile instances themselves, and the references.
   cimhost::ResultRecorder subs(*ivBroker);
-  EXPECT_EQ(CMPI_RC_OK, ivRequiresAssoc->ft->associators(ivRequiresAssoc, ctx(), subs.result(),
-                                                          profile("QRX:Fabric.1.2.0"), nullptr,
-                                                          "CIM_RegisteredSubProfile", nullptr,
-                                                          nullptr, nullptr)
-                            .rc);
+  EXPECT_EQ(CMPI_RC_OK,
+            ivRequiresAssoc->ft
+                ->associators(ivRequiresAssoc, ctx(), subs.result(), profile("QRX:Fabric.1.2.0"),
+                              nullptr, "CIM_RegisteredSubProfile", nullptr, nullptr, nullptr)
+                .rc);
   EXPECT_EQ(5u, subs.instances().size());
   cimhost::ResultRecorder refs(*ivBroker);
-  EXPECT_EQ(CMPI_RC_OK, ivRequiresAssoc->ft->referenceNames(ivRequiresAssoc, ctx(), refs.result(),
-                                                             profile("QRX:Fabric.1.2.0"), nullptr,
-                                                             nullptr)
+  EXPECT_EQ(CMPI_RC_OK, ivRequiresAssoc->ft
+                            ->referenceNames(ivRequiresAssoc, ctx(), refs.result(),
+                                             profile("QRX:Fabric.1.2.0"), nullptr, nullptr)
                             .rc);
   EXPECT_EQ(5u, refs.objectPaths().size());
 
@@ -235,8 +241,10 @@ TEST_F(InteropProviders, EverySubProfileRequiresTheFabricProfile) {
   const std::string log = trace.text();
   EXPECT_NE(std::string::npos,
             log.find(", QRX_SubProfileRequiresProfile_Provider_associatorNames, "));
-  EXPECT_NE(std::string::npos, log.find("] ERROR: Could not get CIM_RegisteredProfile.InstanceID\n"));
-  EXPECT_NE(std::string::npos, log.find("] ERROR: Invalid CIM_RegisteredProfile.InstanceID=QRX:Fabric.9\n"));
+  EXPECT_NE(std::string::npos,
+            log.find("] ERROR: Could not get CIM_RegisteredProfile.InstanceID\n"));
+  EXPECT_NE(std::string::npos,
+            log.find("] ERROR: Invalid CIM_RegisteredProfile.InstanceID=QRX:Fabric.9\n"));
   EXPECT_NE(std::string::npos, log.find("] ERROR: Invalid assocClass=QRX_SwitchInFabric\n"));
 }
 
@@ -286,7 +294,8 @@ TEST_F(InteropProviders, AgentProductAndSoftwareAreOneConstantEach) {
 
 TEST_F(InteropProviders, PerfRecordsShowTheStatisticsOfEachTag) {
   scim_clear_perfdata();
-  for (std::uint64_t value : {5, 1, 9, 3}) scim_add_perfsample("rs_api_client_mq.get_switch_info", value);
+  for (std::uint64_t value : {5, 1, 9, 3})
+    scim_add_perfsample("rs_api_client_mq.get_switch_info", value);
   scim_add_perfsample("rs_api_client_mq.get_fabric_info", 7);
   const auto records = enumerate<QRX_EnumPerfRecord>(ivPerf, "root/qrx", "QRX_EnumPerfRecord");
   ASSERT_EQ(2u, records.size());
@@ -338,8 +347,7 @@ TEST_F(InteropProviders, DebugFacilitySwitchesTracingAndClearsRecords) {
   // A missing argument changes nothing.
   EXPECT_NE(CMPI_RC_OK, invoke("SetDebugOn", ivBroker->newArgs(), &data).rc);
   EXPECT_TRUE(debug_on);
-  EXPECT_TRUE(trace.contains(
-      ", QRX_DebugFacility_Provider_invokeMethod, "));
+  EXPECT_TRUE(trace.contains(", QRX_DebugFacility_Provider_invokeMethod, "));
   EXPECT_TRUE(trace.contains("] ERROR: Failed to read input var DebugOn\n"));
   CMPIArgs* off = ivBroker->newArgs();
   CMPIBoolean no = 0;
