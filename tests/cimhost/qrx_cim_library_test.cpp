@@ -304,7 +304,10 @@ TEST(QrxCimLibrary, OnlyNodesAttachedToTheSwitchAppear) {
       {"QRX_PortInNode", builtIn.nodePorts.size()},
       {"QRX_NodePortInFabric", builtIn.nodePorts.size()},
       {"QRX_SANProtocolEndpoint", builtIn.ports.size() + builtIn.nodePorts.size()},
+      {"QRX_FCPortSANProtocolEndpoint", builtIn.ports.size() + builtIn.nodePorts.size()},
+      {"QRX_InLogicalNetwork", builtIn.ports.size() + builtIn.nodePorts.size()},
       {"QRX_FabricHostedSANAccessPoint", builtIn.nodePorts.size()},
+      {"QRX_SANActiveConnection", builtIn.nodePorts.size()},
   };
   for (const auto& entry : expected) {
     ToolRun names = runQrxCim({"ein", entry.first});
