@@ -143,25 +143,33 @@ CMPIInstance* pairInstance(const CMPIBroker* ipBroker, const char* ipNameSpace, 
   return instance;
 }
 
+// The characters of `ipString`; NULL when there is no string.
+const char* chars(const CMPIString* ipString) {
+  return ipString != nullptr ? CMGetCharPtr(ipString) : nullptr;
+}
+
+// The string value of `irData`; NULL when it is no (non-null) string.
+const char* stringValue(const CMPIData& irData) {
+  return irData.type == CMPI_string && (irData.state & CMPI_nullValue) == 0
+             ? chars(irData.value.string)
+             : nullptr;
+}
+
 // Whether the paths name the same object: the same class (ignoring case)
 // and, for every key of `ipOurs`, an equal string key in `ipTheirs`.
 bool samePath(const CMPIObjectPath* ipOurs, const CMPIObjectPath* ipTheirs) {
-  CMPIString* ours = CMGetClassName(ipOurs, nullptr);
-  CMPIString* theirs = CMGetClassName(ipTheirs, nullptr);
-  if (ours == nullptr || theirs == nullptr ||
-      strcasecmp(CMGetCharPtr(ours), CMGetCharPtr(theirs)) != 0) {
-    return false;
-  }
+  const char* ours = chars(CMGetClassName(ipOurs, nullptr));
+  const char* theirs = chars(CMGetClassName(ipTheirs, nullptr));
+  if (ours == nullptr || theirs == nullptr || strcasecmp(ours, theirs) != 0) return false;
   const CMPICount count = CMGetKeyCount(ipOurs, nullptr);
   for (CMPICount i = 0; i < count; ++i) {
     CMPIString* name = nullptr;
-    CMPIData mine = CMGetKeyAt(ipOurs, i, &name, nullptr);
+    const char* mine = stringValue(CMGetKeyAt(ipOurs, i, &name, nullptr));
+    if (mine == nullptr || chars(name) == nullptr) return false;
     CMPIStatus st = okStatus();
-    CMPIData other = CMGetKey(ipTheirs, CMGetCharPtr(name), &st);
-    if (st.rc != CMPI_RC_OK || mine.type != CMPI_string || other.type != CMPI_string ||
-        strcmp(CMGetCharPtr(mine.value.string), CMGetCharPtr(other.value.string)) != 0) {
-      return false;
-    }
+    CMPIData other = CMGetKey(ipTheirs, chars(name), &st);
+    const char* their = st.rc == CMPI_RC_OK ? stringValue(other) : nullptr;
+    if (their == nullptr || strcmp(mine, their) != 0) return false;
   }
   return true;
 }
