@@ -16,6 +16,8 @@
 // templates report a false answer as CMPI_RC_ERR_FAILED with a fixed text;
 // CMReturnDone is left to the caller unless said otherwise. Property lists
 // are accepted and not applied: every instance carries all its properties.
+// Their debug lines name the provider and the template as the function
+// ("[QRX_Switch_Provider_backendEnumInstances, 133] ").
 #ifndef QRX_PROVIDER_PROVIDERGLUE_H_
 #define QRX_PROVIDER_PROVIDERGLUE_H_
 
@@ -33,15 +35,22 @@
 #include "provider/CMPISerializer.h"
 #include "provider/ProviderHelper.h"
 
-// A new path of class `ipClassName` in the namespace of `ipRef`, keyed by
-// `irKey`. The broker's failure to make it is a defect (asserted).
+// A new path of class `ipClassName` in the namespace `ipNameSpace`, keyed
+// by `irKey`. The broker's failure to make it is a defect (asserted).
 template <class KeyT>
-CMPIObjectPath* makeKeyedObjPath(const CMPIBroker* ipBroker, const CMPIObjectPath* ipRef,
+CMPIObjectPath* makeKeyedObjPath(const CMPIBroker* ipBroker, const char* ipNameSpace,
                                  const char* ipClassName, const KeyT& irKey) {
-  CMPIObjectPath* path = newObjPathChecked(ipBroker, nameSpaceOf(ipRef), ipClassName);
+  CMPIObjectPath* path = newObjPathChecked(ipBroker, ipNameSpace, ipClassName);
   CMPIObjPathSerializer serializer(ipBroker, path);
   irKey.serialize(serializer);
   return path;
+}
+
+// The same in the namespace of `ipRef`.
+template <class KeyT>
+CMPIObjectPath* makeKeyedObjPath(const CMPIBroker* ipBroker, const CMPIObjectPath* ipRef,
+                                 const char* ipClassName, const KeyT& irKey) {
+  return makeKeyedObjPath(ipBroker, nameSpaceOf(ipRef), ipClassName, irKey);
 }
 
 // The model conversions of a provider type, for the model types of its
@@ -123,7 +132,8 @@ void backendEnumInstances(const CMPIResult* ipResult, const CMPIObjectPath* ipRe
     setStatus(opRc, P::broker, CMPI_RC_ERR_FAILED, "backendEnumInstances() failed");
     return;
   }
-  TRACE_DEBUG("return %d %s.instances\n", static_cast<int>(objects.size()), P::className);
+  TRACE_DEBUG_AT(P::providerName, "backendEnumInstances", "return %d %s.instances\n",
+                 static_cast<int>(objects.size()), P::className);
   addInstancesToResult<P>(P::broker, nameSpace, objects, ipProperties, ipResult, opRc);
 }
 
@@ -240,8 +250,9 @@ const char* assocTarget(const CMPIObjectPath* ipCop, const char* ipAsked, const 
   const char* rightClass = P::rightProviderT::className;
   if (!assocCheckParameterConst(broker, ipCop, P::refLeft, P::refRight, leftClass, rightClass,
                                 ipResultClass, ipRole, ipResultRole, opRc)) {
-    TRACE_DEBUG("Check Params failed cop=%s ac=%s left=%s right=%s\n", objPathText(ipCop),
-                ipAsked != nullptr ? ipAsked : "", leftClass, rightClass);
+    TRACE_DEBUG_AT(P::providerName, "assocTarget",
+                   "Check Params failed cop=%s ac=%s left=%s right=%s\n", objPathText(ipCop),
+                   ipAsked != nullptr ? ipAsked : "", leftClass, rightClass);
     *opRc = okStatus();
     return nullptr;
   }

@@ -604,6 +604,7 @@ void FabricCache::convertSwitchFCPort(QRX_SwitchFCPort& orPort, const switch_fc_
     case 255: orPort.Availability = 1; break;
     default: orPort.Availability = 3; break;
   }
+  orPort.PortDiscriminator = {3};
   orPort.LinkTechnology = 4;
   orPort.SupportedFC4Types = {32};
   orPort.ActiveFC4Types = {32};

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/backend/AttachedNodes.h"
 #include "common/backend/BackendStart.h"
 #include "common/backend/SwitchRecords.h"
 #include "common/base/trace.h"
@@ -20,16 +21,20 @@ bool readEndpoints(const char* ipUnit, protocol_endpoint_info_tA& orEndpoints,
   orFabricName = fabric.name;
   protocol_endpoint_info_tA all;
   std::vector<std::string> mapped;
+  node_fc_port_info_tA attached;
   if (cache->get_protocol_endpoint_info(all) != 0 ||
-      cache->get_artificial_switch_fc_port_names(mapped) != 0) {
+      cache->get_artificial_switch_fc_port_names(mapped) != 0 || !readAttachedNodePorts(attached)) {
     TRACE_ERROR(ipUnit, "Failed to get endpoint info\n");
     return false;
   }
   const std::set<std::string> ports(mapped.begin(), mapped.end());
+  std::set<std::string> nodePorts;
+  for (const node_fc_port_info_t& port : attached) nodePorts.insert(port.name);
   std::set<std::pair<bool, std::string>> seen;
   for (protocol_endpoint_info_t& endpoint : all) {
     const bool switchSide = endpoint.is_switch_side != 0;
     if (switchSide && ports.count(endpoint.fc_port_name) == 0) continue;
+    if (!switchSide && nodePorts.count(endpoint.fc_port_name) == 0) continue;
     if (!seen.emplace(switchSide, endpoint.name).second) continue;
     orEndpoints.push_back(std::move(endpoint));
   }

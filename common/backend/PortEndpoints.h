@@ -15,7 +15,8 @@
 #include "generated/smis_ipc/smis_ipc.h"
 
 // The endpoints of the fabric cache with each endpoint once; switch-side
-// ones only for the ports clients see (the mapped ports). Also reads the
+// ones only for the ports clients see (the mapped ports), node-side ones
+// only for the node ports attached to the switch (AttachedNodes.h). Also reads the
 // fabric's name. False after an error line ("Failed to get endpoint info").
 bool readEndpoints(const char* ipUnit, protocol_endpoint_info_tA& orEndpoints,
                    std::string& orFabricName);

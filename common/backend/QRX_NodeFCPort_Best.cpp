@@ -1,8 +1,8 @@
-// The node ports logged in to the fabric through the switch, one instance
-// per port name (its WWPN), as devices of the fabric.
+// The node ports attached to the switch (logged in through one of its
+// ports), one instance per port name (its WWPN), as devices of the fabric.
 #include "generated/scimbackend/QRX_NodeFCPort_Best.h"
 
-#include "common/backend/BackendStart.h"
+#include "common/backend/AttachedNodes.h"
 #include "common/backend/PortEndpoints.h"
 #include "common/backend/SwitchRecords.h"
 #include "common/base/trace.h"
@@ -13,11 +13,10 @@ const char* const kUnit = "common/backend/QRX_NodeFCPort_Best";
 }  // namespace
 
 bool QRX_NodeFCPort_Best::enumInstances(QRX_NodeFCPort_Array& out) {
-  FabricCache* cache = get_fabric_cache();
   fabric_info_t fabric;
-  if (cache == nullptr || !readFabric(kUnit, fabric)) return false;
+  if (!readFabric(kUnit, fabric)) return false;
   node_fc_port_info_tA ports;
-  if (cache->get_node_fc_port_info(ports) != 0) {
+  if (!readAttachedNodePorts(ports)) {
     TRACE_ERROR(kUnit, "Failed to get node fc port info\n");
     return false;
   }

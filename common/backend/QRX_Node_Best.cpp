@@ -1,8 +1,8 @@
-// The nodes logged in to the fabric through the switch, one instance per
-// node name (its WWN).
+// The nodes attached to the switch (logged in through one of its ports),
+// one instance per node name (its WWN).
 #include "generated/scimbackend/QRX_Node_Best.h"
 
-#include "common/backend/BackendStart.h"
+#include "common/backend/AttachedNodes.h"
 #include "common/base/trace.h"
 
 namespace {
@@ -10,10 +10,8 @@ const char* const kUnit = "common/backend/QRX_Node_Best";
 }  // namespace
 
 bool QRX_Node_Best::enumInstances(QRX_Node_Array& out) {
-  FabricCache* cache = get_fabric_cache();
-  if (cache == nullptr) return false;
   string_tA names;
-  if (cache->get_node_names(names) != 0) {
+  if (!readAttachedNodeNames(names)) {
     TRACE_ERROR(kUnit, "Failed to get node names\n");
     return false;
   }

@@ -1,8 +1,8 @@
-// A node collects its ports: each logged-in node port is a member of the
-// node whose name it reports.
+// A node collects its ports: each node port attached to the switch is a
+// member of the node whose name it reports.
 #include "generated/scimbackend/QRX_PortInNode_Best.h"
 
-#include "common/backend/BackendStart.h"
+#include "common/backend/AttachedNodes.h"
 #include "common/backend/PortEndpoints.h"
 #include "common/backend/SwitchRecords.h"
 #include "common/base/trace.h"
@@ -12,11 +12,10 @@ const char* const kUnit = "common/backend/QRX_PortInNode_Best";
 }  // namespace
 
 bool QRX_PortInNode_Best::enumInstances(QRX_PortInNode_Array& out) {
-  FabricCache* cache = get_fabric_cache();
   fabric_info_t fabric;
-  if (cache == nullptr || !readFabric(kUnit, fabric)) return false;
+  if (!readFabric(kUnit, fabric)) return false;
   node_fc_port_info_tA ports;
-  if (cache->get_node_fc_port_info(ports) != 0) {
+  if (!readAttachedNodePorts(ports)) {
     TRACE_ERROR(kUnit, "Failed to get node fc port infos\n");
     return false;
   }

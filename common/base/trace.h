@@ -76,4 +76,16 @@ void trace_data(bool debugOnly, const unsigned char* data, unsigned int length,
     if (debug_on) trace_log(true, "[%s, %d] " format, __func__, __LINE__, ##__VA_ARGS__); \
   } while (0)
 
+// The same shapes for provider glue, whose function field is composed of
+// the provider name and the operation: `owner` "QRX_Switch_Provider" and
+// `operation` "enumInstanceNames" give "[QRX_Switch_Provider_enumInstanceNames, 28] ".
+#define TRACE_ERROR_AT(unit, owner, operation, format, ...)                              \
+  trace_log(false, "[%s, %s_%s, %d] ERROR: " format, unit, owner, operation, __LINE__, \
+            ##__VA_ARGS__)
+#define TRACE_DEBUG_AT(owner, operation, format, ...)                                        \
+  do {                                                                                       \
+    if (debug_on)                                                                            \
+      trace_log(true, "[%s_%s, %d] " format, owner, operation, __LINE__, ##__VA_ARGS__);     \
+  } while (0)
+
 #endif  // QRX_COMMON_BASE_TRACE_H_

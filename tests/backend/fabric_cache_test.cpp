@@ -341,6 +341,7 @@ TEST(FabricCacheConvertTest, StateSpeedAndAvailabilityTables) {
   EXPECT_EQ("sw", object.SystemName);
   EXPECT_EQ(port.name, object.DeviceID);
   EXPECT_EQ(cstring_A{"010100"}, object.NetworkAddresses);
+  EXPECT_EQ(cuint16_A{3}, object.PortDiscriminator);
 
   switch_info_t sw;
   sw.name = "100000051e0a0b0c";

@@ -293,3 +293,61 @@ TEST(QrxCimLibrary, EveryFabricAndSwitchClassFromTheSimulatedSwitch) {
 }
 
 }  // namespace
+
+namespace {
+
+// Nodes behind another switch of the fabric are not this switch's: the
+// node classes list only the nodes attached to its ports, which the library
+// asks for port by port with the physical port names.
+TEST(QrxCimLibrary, OnlyNodesAttachedToTheSwitchAppear) {
+  LibraryTrace trace;
+  setenv("QRX_SMIS_QUEUE_PREFIX", ("/qrxlibtest" + std::to_string(getpid())).c_str(), 1);
+  const switchsim::FabricModel builtIn = switchsim::FabricModel::builtIn();
+  const switchsim::FabricModel model = switchsim::FabricModel::twoSwitchFabric();
+  switchsim::Simulator sim(model);
+  std::string error;
+  ASSERT_TRUE(sim.start(&error)) << error;
+
+  std::vector<std::string> remote, remoteNodes;
+  for (const switchsim::NodePort& port : model.nodePorts) {
+    if (!port.switchPort.empty()) continue;
+    remote.push_back(port.info.name);
+    remoteNodes.push_back(port.info.node_name);
+  }
+  ASSERT_FALSE(remote.empty());
+  switchsim::FabricModel copy = builtIn;
+  string_tA attachedNodes;
+  ASSERT_EQ(0, switchsim::SimulatedSwitch(copy).get_node_names(attachedNodes));
+  const std::map<std::string, std::size_t> expected = {
+      {"QRX_Node", attachedNodes.size()},
+      {"QRX_NodeInFabric", attachedNodes.size()},
+      {"QRX_NodeFCPort", builtIn.nodePorts.size()},
+      {"QRX_PortInNode", builtIn.nodePorts.size()},
+      {"QRX_NodePortInFabric", builtIn.nodePorts.size()},
+      {"QRX_SANProtocolEndpoint", builtIn.ports.size() + builtIn.nodePorts.size()},
+      {"QRX_FCPortSANProtocolEndpoint", builtIn.ports.size() + builtIn.nodePorts.size()},
+      {"QRX_InLogicalNetwork", builtIn.ports.size() + builtIn.nodePorts.size()},
+      {"QRX_FabricHostedSANAccessPoint", builtIn.nodePorts.size()},
+      {"QRX_SANActiveConnection", builtIn.nodePorts.size()},
+  };
+  for (const auto& entry : expected) {
+    ToolRun names = runQrxCim({"ein", entry.first});
+    ASSERT_EQ(0, names.exitCode) << entry.first << "\n" << names.err;
+    EXPECT_EQ(entry.second, lines(names.out).size()) << entry.first << "\n" << names.out;
+    for (const std::string& name : remote) {
+      EXPECT_EQ(std::string::npos, names.out.find(name)) << entry.first << " lists " << name;
+    }
+    for (const std::string& name : remoteNodes) {
+      EXPECT_EQ(std::string::npos, names.out.find(name)) << entry.first << " lists " << name;
+    }
+  }
+  // Asked port by port, once per enumeration of the nodes.
+  std::size_t asked = 0;
+  for (const std::string& line : sim.requestLog()) {
+    if (line.find("function=rs_api_get_attached_node_names") != std::string::npos) ++asked;
+  }
+  EXPECT_GT(asked, 0u);
+  EXPECT_EQ(0u, asked % builtIn.ports.size()) << asked;
+}
+
+}  // namespace

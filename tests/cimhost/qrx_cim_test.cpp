@@ -105,7 +105,8 @@ TEST(QrxCimTest, EnumerationsPrintMofTextAndJson) {
                          "instance of QRX_CimHostTest {\n    Id = \"b\";\n};\n"))
       << mof.out;
 
-  const json list = parsed(run({"ei", "QRX_CimHostTest", "--json", "--pl", "Id,Num"}));
+  const json list =
+      parsed(run({"ei", "QRX_CimHostTest", "--json", "--pl", "Id,Num", "--all-properties"}));
   ASSERT_EQ(2u, list.size());
   EXPECT_EQ("root/qrx:QRX_CimHostTest.Id=\"a\",Num=1", list[0]["path"]);
   EXPECT_EQ("QRX_CimHostTest", list[0]["class"]);
@@ -142,7 +143,17 @@ TEST(QrxCimTest, GetAndDeleteReachTheProviderTyped) {
   EXPECT_EQ("root/qrx", got["properties"]["ContextNameSpace"]);
   EXPECT_TRUE(got["properties"]["PropertyList"].is_null());
   EXPECT_EQ(json::array(),
-            parsed(run({"gi", kTest, "--json", "--property-list="}))["properties"]["PropertyList"]);
+            parsed(run({"gi", kTest, "--json", "--property-list=", "--all-properties"}))
+                ["properties"]["PropertyList"]);
+  // Without --all-properties only the listed properties are printed (names
+  // ignoring case), as a client of an object manager would get them.
+  EXPECT_EQ((json{{"Id", "k1"}, {"Num", 5}}),
+            parsed(run({"gi", "QRX_CimHostTest.Id=\"k1\",Num=5", "--json", "--pl", "num,ID"}))
+                ["properties"]);
+  EXPECT_EQ(json::object(), parsed(run({"gi", kTest, "--json", "--pl", ""}))["properties"]);
+  const ToolRun mof = run({"gi", "QRX_CimHostTest.Id=\"k1\",Num=5", "--pl", "Num"});
+  EXPECT_NE(std::string::npos, mof.out.find("instance of QRX_CimHostTest {\n    Num = 5;\n};\n"))
+      << mof.out;
 
   ToolRun missing = run({"gi", "QRX_CimHostTest.Id=\"missing\",Num=1"});
   EXPECT_EQ(1, missing.exitCode);
@@ -205,7 +216,7 @@ TEST(QrxCimTest, AssociationsAskEveryClassWithAMatchingEnd) {
   // Named classes and filters reach the provider; absent ones are NULL.
   const json filtered = parsed(run({"a", kTest, "--ac", "qrx_cimhosttestlink", "--rc",
                                     "QRX_CimHostTestPeer", "--role", "Source", "--rr", "Peer",
-                                    "--pl", "By", "--json"}));
+                                    "--pl", "By", "--all-properties", "--json"}));
   ASSERT_EQ(1u, filtered.size());
   const json& p = filtered[0]["properties"];
   EXPECT_EQ("QRX_CimHostTestLink", p["By"]);

@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "cmpimacs.h"
 #include "common/base/PerfSamples.h"
+#include "common/base/trace.h"
 #include "generated/scimproviders/QRX_SwitchFCPortStats_Provider.h"
 #include "generated/scimproviders/QRX_SwitchInFabric_Provider.h"
 #include "generated/scimproviders/QRX_Switch_Provider.h"
@@ -16,6 +18,7 @@
 #include "generated/scimproviders/QRX_ZoneService_Provider.h"
 #include "provider/CMPIDeserializer.h"
 #include "tests/provider/ScriptedBackends.h"
+#include "tests/support/LogShape.h"
 #include "tests/support/TestEnvironment.h"
 #include "tools/cimhost/broker/ResultRecorder.h"
 #include "tools/cimhost/broker/TestBroker.h"
@@ -218,8 +221,7 @@ TEST_F(ProviderGlue, EnumerationsReturnEveryObjectWithAllPropertiesOrFailWithout
   EXPECT_EQ("backendEnumInstanceNames() failed", message(rc));
   EXPECT_EQ(0, result.doneCount());
   EXPECT_TRUE(result.objectPaths().empty());
-  EXPECT_TRUE(ivTrace.contains(
-      "[generated/scimproviders, enumInstances, "));
+  EXPECT_TRUE(ivTrace.contains("[generated/scimproviders, QRX_Switch_Provider_enumInstances, "));
   EXPECT_TRUE(ivTrace.contains("ERROR: QRX_Switch.backendEnumInstances() failed rc=1\n"));
   EXPECT_TRUE(ivTrace.contains("ERROR: QRX_Switch.backendEnumInstanceNames failed rc=1\n"));
 
@@ -314,6 +316,35 @@ TEST_F(ProviderGlue, CreateDeleteModifyAndQuery) {
   EXPECT_EQ(CMPI_RC_ERR_NOT_SUPPORTED, rc.rc);
   EXPECT_TRUE(script().calls.empty());
   EXPECT_EQ(0, result.doneCount());
+}
+
+// With debug tracing on, every line has one of the two shapes, and the
+// glue's lines name the provider and operation as their function.
+TEST_F(ProviderGlue, LogLinesNameTheProviderAndOperation) {
+  script().switches = {makeSwitch("a", "core")};
+  script().fabrics = {makeFabric("f1")};
+  debug_on = true;
+  cimhost::ResultRecorder result(*ivBroker);
+  CMPIObjectPath* ref = ivBroker->newObjectPath("root/qrx", "QRX_Switch");
+  ivSwitch->ft->enumerateInstances(ivSwitch, ctx(), result.result(), ref, nullptr);
+  ivSwitch->ft->getInstance(ivSwitch, ctx(), result.result(), switchPath("zz"), nullptr);
+  ivLinks->ft->associators(ivLinks, ctx(), result.result(), switchPath("a"), nullptr, nullptr,
+                           "Antecedent", nullptr, nullptr);
+  debug_on = false;
+  const std::string log = ivTrace.text();
+  EXPECT_NE(std::string::npos, log.find("[QRX_Switch_Provider_enumInstances, "));
+  EXPECT_NE(std::string::npos,
+            log.find("[QRX_Switch_Provider_backendEnumInstances, "));
+  EXPECT_NE(std::string::npos, log.find("] return 1 QRX_Switch.instances\n"));
+  EXPECT_NE(std::string::npos, log.find("[QRX_SwitchInFabric_Provider_assocTarget, "));
+  EXPECT_NE(std::string::npos,
+            log.find("[generated/scimproviders, QRX_Switch_Provider_getInstance, "));
+  std::istringstream lines(log);
+  int count = 0;
+  for (std::string line; std::getline(lines, line); ++count) {
+    EXPECT_NE(LogShape::None, logShape(line)) << line;
+  }
+  EXPECT_GT(count, 5);
 }
 
 TEST_F(ProviderGlue, AssociatorsCheckRolesAndClassesBeforeAskingTheBackend) {

@@ -2,7 +2,9 @@
 // zoning edits and zoning sessions.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "tools/switchsim/SimulatedSwitch.h"
 #include "tools/switchsim/Status.h"
@@ -189,3 +191,51 @@ TEST_F(SimulatedSwitchTest, SessionsStageBatchesAllOrNothing) {
 }
 
 }  // namespace
+
+namespace {
+
+// The node ports every switch port of the model reports as attached.
+std::vector<std::string> attachedEverywhere(FabricModel& irModel) {
+  SimulatedSwitch daemon(irModel);
+  std::vector<std::string> out;
+  for (const SwitchPort& port : irModel.ports) {
+    string_tA names;
+    EXPECT_EQ(0, daemon.get_attached_node_fc_port_names(port.info.name, names));
+    out.insert(out.end(), names.begin(), names.end());
+  }
+  return out;
+}
+
+}  // namespace
+
+// Node ports behind another switch of the fabric are in the fabric-wide
+// answers (and survive the JSON form) but attached to no port of this one.
+TEST(SimulatedSwitchTwoSwitchTest, OtherSwitchNodesAreInTheFabricButNotAttached) {
+  FabricModel builtIn = FabricModel::builtIn();
+  FabricModel model = FabricModel::twoSwitchFabric();
+  std::string error;
+  ASSERT_TRUE(model.validate(&error)) << error;
+  FabricModel reread;
+  ASSERT_TRUE(FabricModel::fromJson(model.toJson(), &reread, &error)) << error;
+  EXPECT_EQ(model.toJson(), reread.toJson());
+
+  SimulatedSwitch daemon(model);
+  string_tA nodes, nodePorts, builtInNodes;
+  ASSERT_EQ(0, daemon.get_node_names(nodes));
+  ASSERT_EQ(0, daemon.get_node_fc_port_names(nodePorts));
+  ASSERT_EQ(0, SimulatedSwitch(builtIn).get_node_names(builtInNodes));
+  EXPECT_EQ(builtInNodes.size() + 2, nodes.size());
+  EXPECT_EQ(builtIn.nodePorts.size() + 3, nodePorts.size());
+
+  const std::vector<std::string> attached = attachedEverywhere(model);
+  EXPECT_EQ(attachedEverywhere(builtIn), attached);
+  for (const NodePort& port : model.nodePorts) {
+    const bool remote = port.switchPort.empty();
+    EXPECT_EQ(!remote, std::find(attached.begin(), attached.end(), port.info.name) != attached.end())
+        << port.info.name;
+  }
+  // The other switch's ports stay logged in when a port of this one goes down.
+  model.ports[0].info.operational_state = 2;
+  ASSERT_EQ(0, daemon.get_node_fc_port_names(nodePorts));
+  EXPECT_EQ(builtIn.nodePorts.size() + 2, nodePorts.size());
+}

@@ -108,6 +108,7 @@ enum class Option {
   Role,
   ResultRole,
   PropertyList,
+  AllProperties,
   Json,
   Verbose,
   Help,
@@ -133,6 +134,7 @@ const OptionInfo kOptions[] = {
     {Option::Role, "--role", "", true, kOptRole, false},
     {Option::ResultRole, "--result-role", "--rr", true, kOptResultRole, false},
     {Option::PropertyList, "--property-list", "--pl", true, kOptPropertyList, false},
+    {Option::AllProperties, "--all-properties", "", false, kOptPropertyList, false},
     {Option::Json, "--json", "", false, 0, false},
     {Option::Verbose, "--verbose", "-v", false, 0, false},
     {Option::Help, "--help", "-h", false, 0, false},
@@ -209,6 +211,7 @@ bool applyOption(const OptionInfo& irInfo, const std::string& irValue, Invocatio
       opInv->propertyList = std::move(names);
       return true;
     }
+    case Option::AllProperties: opInv->allProperties = true; return true;
     case Option::Json: opInv->json = true; return true;
     case Option::Verbose: opInv->verbose = true; return true;
     case Option::Help: opInv->help = true; return true;

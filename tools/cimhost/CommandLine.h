@@ -82,6 +82,9 @@ struct Invocation {
   std::string nameSpace = "root/qrx";      // -n, --namespace
   AssociationFilter filter;
   std::optional<std::vector<std::string>> propertyList;
+  // --all-properties: print every property the provider returned, not only
+  // those of the property list (an object manager would drop the others).
+  bool allProperties = false;
   bool json = false;
   bool verbose = false;
   bool help = false;  // --help, -h

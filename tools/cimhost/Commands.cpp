@@ -86,15 +86,24 @@ bool buildMethodCall(TestBroker& irBroker, const Invocation& irInvocation, Reque
   return true;
 }
 
+// The properties printed: those of the property list, unless all are asked for.
+PropertyFilter printedProperties(const Invocation& irInvocation) {
+  if (!irInvocation.propertyList || irInvocation.allProperties) return nullptr;
+  return &*irInvocation.propertyList;
+}
+
 void printInstances(const Invocation& irInvocation, const Outcome& irOutcome, std::ostream& irOut) {
+  const PropertyFilter only = printedProperties(irInvocation);
   if (irInvocation.json) {
     Json list = Json::array();
-    for (const CMPIInstance* instance : irOutcome.instances) list.push_back(instanceJson(instance));
+    for (const CMPIInstance* instance : irOutcome.instances) {
+      list.push_back(instanceJson(instance, only));
+    }
     irOut << list.dump(2) << "\n";
     return;
   }
   for (size_t i = 0; i < irOutcome.instances.size(); ++i) {
-    irOut << (i ? "\n" : "") << instanceMof(irOutcome.instances[i]);
+    irOut << (i ? "\n" : "") << instanceMof(irOutcome.instances[i], only);
   }
 }
 
@@ -121,7 +130,9 @@ void printSingle(const Invocation& irInvocation, Outcome* opOutcome, std::ostrea
   if (count == 0) return;
   if (instance) {
     const CMPIInstance* first = opOutcome->instances.front();
-    irOut << (irInvocation.json ? instanceJson(first).dump(2) + "\n" : instanceMof(first));
+    const PropertyFilter only = printedProperties(irInvocation);
+    irOut << (irInvocation.json ? instanceJson(first, only).dump(2) + "\n"
+                                : instanceMof(first, only));
   } else {
     const std::string text = pathText(opOutcome->paths.front());
     irOut << (irInvocation.json ? Json(text).dump() : text) << "\n";

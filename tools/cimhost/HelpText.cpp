@@ -29,7 +29,13 @@ const char kOptionsText[] =
     "  --role R               the role of the source object\n"
     "  --result-role, --rr R  associators, associator-names: the role of the result\n"
     "  --property-list, --pl A,B\n"
-    "                         ei, gi, a, r: the properties wanted (\"\" for none)\n"
+    "                         ei, gi, a, r: the properties wanted (\"\" for none).\n"
+    "                         The list goes to the provider as it is, and only\n"
+    "                         these properties are printed, as a client of an\n"
+    "                         object manager would get them (libqrxsmis itself\n"
+    "                         returns every property whatever the list)\n"
+    "  --all-properties       ei, gi, a, r: print every property the provider\n"
+    "                         returned, whatever the property list\n"
     "  --json                 print JSON instead of MOF-like text\n"
     "  -v, --verbose          show the broker's log and each provider call on stderr\n"
     "  -h, --help             show help (with a command: the command's help)\n";
@@ -86,7 +92,9 @@ std::string commandHelp(const CommandInfo& irCommand) {
       {kOptResultClass, "  --result-class, --rc C  the result class"},
       {kOptRole, "  --role R                the role of the source object"},
       {kOptResultRole, "  --result-role, --rr R   the role of the result objects"},
-      {kOptPropertyList, "  --property-list A,B     the properties wanted (\"\" for none)"},
+      {kOptPropertyList, "  --property-list A,B     the properties wanted (\"\" for none); only\n"
+                         "                          these are printed\n"
+                         "  --all-properties        print every property the provider returned"},
   };
   if (irCommand.options) {
     text += "\nOptions of this command:\n";

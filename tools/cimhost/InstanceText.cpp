@@ -1,5 +1,7 @@
 #include "tools/cimhost/InstanceText.h"
 
+#include <strings.h>
+
 #include <charconv>
 #include <cstdlib>
 #include <functional>
@@ -82,6 +84,15 @@ Json scalarJson(const CMPIData& irData) {
   }
 }
 
+// Whether the property `irName` is printed under `ipOnly`.
+bool passes(PropertyFilter ipOnly, const std::string& irName) {
+  if (ipOnly == nullptr) return true;
+  for (const std::string& wanted : *ipOnly) {
+    if (strcasecmp(wanted.c_str(), irName.c_str()) == 0) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 std::string stringText(const CMPIString* ipString) {
@@ -96,21 +107,21 @@ std::string pathText(const CMPIObjectPath* ipPath) {
   return stringText(text);
 }
 
-std::string instanceMof(const CMPIInstance* ipInstance) {
+std::string instanceMof(const CMPIInstance* ipInstance, PropertyFilter ipOnly) {
   const CMPIObjectPath* path = CMGetObjectPath(ipInstance, nullptr);
   std::string text = "// " + pathText(path) + "\n";
   text += "instance of " + classOf(path) + " {\n";
   forEachProperty(ipInstance, [&](const std::string& irName, const CMPIData& irData) {
-    text += "    " + irName + " = " + literalText(irData, 4) + ";\n";
+    if (passes(ipOnly, irName)) text += "    " + irName + " = " + literalText(irData, 4) + ";\n";
   });
   return text + "};\n";
 }
 
-Json instanceJson(const CMPIInstance* ipInstance) {
+Json instanceJson(const CMPIInstance* ipInstance, PropertyFilter ipOnly) {
   const CMPIObjectPath* path = CMGetObjectPath(ipInstance, nullptr);
   Json properties = Json::object();
   forEachProperty(ipInstance, [&](const std::string& irName, const CMPIData& irData) {
-    properties[irName] = dataJson(irData);
+    if (passes(ipOnly, irName)) properties[irName] = dataJson(irData);
   });
   Json out = Json::object();
   out["path"] = pathText(path);

@@ -21,6 +21,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -36,10 +37,15 @@ std::string stringText(const CMPIString* ipString);
 // The path's text form; "<bad path>" if the object cannot tell it.
 std::string pathText(const CMPIObjectPath* ipPath);
 
-// The MOF-like text of an instance, ending with "};\n".
-std::string instanceMof(const CMPIInstance* ipInstance);
+// The properties an instance is printed with: all, or only those a
+// property list names (ignoring case), as an object manager hands them to
+// its client.
+using PropertyFilter = const std::vector<std::string>*;  // NULL: all
 
-Json instanceJson(const CMPIInstance* ipInstance);
+// The MOF-like text of an instance, ending with "};\n".
+std::string instanceMof(const CMPIInstance* ipInstance, PropertyFilter ipOnly = nullptr);
+
+Json instanceJson(const CMPIInstance* ipInstance, PropertyFilter ipOnly = nullptr);
 Json dataJson(const CMPIData& irData);
 
 // "ReturnValue = <literal>" (NULL when the provider returned none), then

@@ -144,12 +144,12 @@ CMPIStatus {P}::enumInstanceNames(CMPIInstanceMI*, const CMPIContext*,
   static const std::string sampleTag = std::string(providerName) + ".enumInstanceNames";
   AutoTimeStat sample(sampleTag);
   CMPIStatus rc = okStatus();
-  TRACE_DEBUG("class={C} ref=%s\\n", objPathText(ref));
+  TRACE_DEBUG_AT(providerName, "enumInstanceNames", "class={C} ref=%s\\n", objPathText(ref));
   backendEnumInstanceNames<{P}>(rslt, ref, &rc);
   if (rc.rc == CMPI_RC_OK) {{
     CMReturnDone(rslt);
   }} else {{
-    TRACE_ERROR(kUnit, "{C}.backendEnumInstanceNames failed rc=%d\\n", rc.rc);
+    TRACE_ERROR_AT(kUnit, providerName, "enumInstanceNames", "{C}.backendEnumInstanceNames failed rc=%d\\n", rc.rc);
   }}
   return rc;
 }}
@@ -159,12 +159,12 @@ CMPIStatus {P}::enumInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIRes
   static const std::string sampleTag = std::string(providerName) + ".enumInstances";
   AutoTimeStat sample(sampleTag);
   CMPIStatus rc = okStatus();
-  TRACE_DEBUG("class={C} ref=%s\\n", objPathText(ref));
+  TRACE_DEBUG_AT(providerName, "enumInstances", "class={C} ref=%s\\n", objPathText(ref));
   backendEnumInstances<{P}>(rslt, ref, properties, &rc);
   if (rc.rc == CMPI_RC_OK) {{
     CMReturnDone(rslt);
   }} else {{
-    TRACE_ERROR(kUnit, "{C}.backendEnumInstances() failed rc=%d\\n", rc.rc);
+    TRACE_ERROR_AT(kUnit, providerName, "enumInstances", "{C}.backendEnumInstances() failed rc=%d\\n", rc.rc);
   }}
   return rc;
 }}
@@ -172,12 +172,12 @@ CMPIStatus {P}::enumInstances(CMPIInstanceMI*, const CMPIContext*, const CMPIRes
 CMPIStatus {P}::getInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* rslt,
                             const CMPIObjectPath* op, const char** properties) {{
   CMPIStatus rc = okStatus();
-  TRACE_DEBUG("class={C} op=%s\\n", objPathText(op));
+  TRACE_DEBUG_AT(providerName, "getInstance", "class={C} op=%s\\n", objPathText(op));
   backendGetInstance<{P}>(rslt, op, properties, &rc);
   if (rc.rc == CMPI_RC_OK) {{
     CMReturnDone(rslt);
   }} else {{
-    TRACE_ERROR(kUnit, "{C}.backendGetInstance() failed rc=%d op=%s\\n", rc.rc, objPathText(op));
+    TRACE_ERROR_AT(kUnit, providerName, "getInstance", "{C}.backendGetInstance() failed rc=%d op=%s\\n", rc.rc, objPathText(op));
   }}
   return rc;
 }}
@@ -185,12 +185,12 @@ CMPIStatus {P}::getInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResul
 CMPIStatus {P}::createInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult* rslt,
                                const CMPIObjectPath* cop, const CMPIInstance* ci) {{
   CMPIStatus rc = okStatus();
-  TRACE_DEBUG("class={C} cop=%s\\n", objPathText(cop));
+  TRACE_DEBUG_AT(providerName, "createInstance", "class={C} cop=%s\\n", objPathText(cop));
   classT object;
   fillModelObject(ci, object, &rc);
   if (rc.rc != CMPI_RC_OK) {{
     // The client's instance does not fit the class: nothing is created.
-    TRACE_ERROR(kUnit, "{C}.createInstance() unreadable instance rc=%d cop=%s\\n", rc.rc,
+    TRACE_ERROR_AT(kUnit, providerName, "createInstance", "{C}.createInstance() unreadable instance rc=%d cop=%s\\n", rc.rc,
                 objPathText(cop));
     return rc;
   }}
@@ -200,7 +200,7 @@ CMPIStatus {P}::createInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIRe
     return rc;
   }}
   // Written on success too; log readers know the line.
-  TRACE_ERROR(kUnit, "{C}.createInstance() failed rc=%d cop=%s\\n", rc.rc, objPathText(cop));
+  TRACE_ERROR_AT(kUnit, providerName, "createInstance", "{C}.createInstance() failed rc=%d cop=%s\\n", rc.rc, objPathText(cop));
   CMReturnObjectPath(rslt, makeObjPath(broker, cop, newKey));
   CMReturnDone(rslt);
   return rc;
@@ -215,11 +215,11 @@ CMPIStatus {P}::modifyInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIRe
 CMPIStatus {P}::deleteInstance(CMPIInstanceMI*, const CMPIContext*, const CMPIResult*,
                                const CMPIObjectPath* cop) {{
   CMPIStatus rc = okStatus();
-  TRACE_DEBUG("class={C} cop=%s\\n", objPathText(cop));
+  TRACE_DEBUG_AT(providerName, "deleteInstance", "class={C} cop=%s\\n", objPathText(cop));
   keyT key;
   getKeyFromObjPath(cop, key, &rc);
   if (rc.rc != CMPI_RC_OK) {{
-    TRACE_ERROR(kUnit, "{C}.deleteInstance() unreadable key rc=%d cop=%s\\n", rc.rc,
+    TRACE_ERROR_AT(kUnit, providerName, "deleteInstance", "{C}.deleteInstance() unreadable key rc=%d cop=%s\\n", rc.rc,
                 objPathText(cop));
     return rc;
   }}
@@ -245,7 +245,7 @@ CMPIStatus {P}::associators(CMPIAssociationMI*, const CMPIContext*, const CMPIRe
                             const CMPIObjectPath* cop, const char* assocClass,
                             const char* resultClass, const char* role, const char* resultRole,
                             const char** properties) {{
-  TRACE_DEBUG("class={C} cop=%s assocClass=%s\\n", objPathText(cop), assocClass ? assocClass : "");
+  TRACE_DEBUG_AT(providerName, "associators", "class={C} cop=%s assocClass=%s\\n", objPathText(cop), assocClass ? assocClass : "");
   return associatorsHelper<{P}>(rslt, cop, assocClass, resultClass, role, resultRole, properties,
                                 true);
 }}
@@ -254,7 +254,7 @@ CMPIStatus {P}::associatorNames(CMPIAssociationMI*, const CMPIContext*, const CM
                                 const CMPIObjectPath* cop, const char* assocClass,
                                 const char* resultClass, const char* role,
                                 const char* resultRole) {{
-  TRACE_DEBUG("class={C} cop=%s assocClass=%s\\n", objPathText(cop), assocClass ? assocClass : "");
+  TRACE_DEBUG_AT(providerName, "associatorNames", "class={C} cop=%s assocClass=%s\\n", objPathText(cop), assocClass ? assocClass : "");
   return associatorsHelper<{P}>(rslt, cop, assocClass, resultClass, role, resultRole, nullptr,
                                 false);
 }}
@@ -262,14 +262,14 @@ CMPIStatus {P}::associatorNames(CMPIAssociationMI*, const CMPIContext*, const CM
 CMPIStatus {P}::references(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
                            const CMPIObjectPath* cop, const char* resultClass, const char* role,
                            const char** properties) {{
-  TRACE_DEBUG("class={C} cop=%s assocClass=%s\\n", objPathText(cop), resultClass ? resultClass : "");
+  TRACE_DEBUG_AT(providerName, "references", "class={C} cop=%s assocClass=%s\\n", objPathText(cop), resultClass ? resultClass : "");
   return referencesHelper<{P}>(rslt, cop, resultClass, role, properties, true);
 }}
 
 CMPIStatus {P}::referenceNames(CMPIAssociationMI*, const CMPIContext*, const CMPIResult* rslt,
                                const CMPIObjectPath* cop, const char* resultClass,
                                const char* role) {{
-  TRACE_DEBUG("class={C} cop=%s assocClass=%s\\n", objPathText(cop), resultClass ? resultClass : "");
+  TRACE_DEBUG_AT(providerName, "referenceNames", "class={C} cop=%s assocClass=%s\\n", objPathText(cop), resultClass ? resultClass : "");
   return referencesHelper<{P}>(rslt, cop, resultClass, role, nullptr, false);
 }}
 """
@@ -290,13 +290,13 @@ CMPIStatus {P}::invokeMethod(CMPIMethodMI*, const CMPIContext*, const CMPIResult
   keyT key;
   getKeyFromObjPath(op, key, &rc);
   if (rc.rc != CMPI_RC_OK) {{
-    TRACE_ERROR(kUnit, "No object key found\\n");
+    TRACE_ERROR_AT(kUnit, providerName, "invokeMethod", "No object key found\\n");
     return rc;
   }}
   const char* method = methodName != nullptr ? methodName : "";
   CMPIUint32 returnValue = 1;
   bool known = true;
-  TRACE_DEBUG("Enter Function for method name: %s.%s\\n", className, method);
+  TRACE_DEBUG_AT(providerName, "invokeMethod", "Enter Function for method name: %s.%s\\n", className, method);
 """
 
 METHOD_TAIL = """  }} else {{
@@ -316,11 +316,11 @@ def read_input(param):
     if param.type.ref_class:
         return ("    %s %s;\n"
                 "    if (!readMethodRefArg(in, \"%s\", %s, &rc)) {\n"
-                "      TRACE_ERROR(kUnit, \"Failed to read input var %s from objpath\\n\");\n"
+                "      TRACE_ERROR_AT(kUnit, providerName, \"invokeMethod\", \"Failed to read input var %s from objpath\\n\");\n"
                 "      return rc;\n    }\n") % (param.type.cpp, local, name, local, param.type.ref_class)
     return ("    %s %s{};\n"
             "    if (!readMethodArg(in, \"%s\", %s, %s, &rc)) {\n"
-            "      TRACE_ERROR(kUnit, \"Failed to read input var %s\\n\");\n"
+            "      TRACE_ERROR_AT(kUnit, providerName, \"invokeMethod\", \"Failed to read input var %s\\n\");\n"
             "      return rc;\n    }\n") % (param.type.cpp, local, name, param.type.cmpi, local, name)
 
 
@@ -335,7 +335,7 @@ def add_output(param):
     else:
         raise ValueError("output %s: only references and string arrays are returned" % name)
     return ("    if (!%s) {\n"
-            "      TRACE_ERROR(kUnit, \"Failed to add output var %s\\n\");\n"
+            "      TRACE_ERROR_AT(kUnit, providerName, \"invokeMethod\", \"Failed to add output var %s\\n\");\n"
             "      return rc;\n    }\n") % (call, name)
 
 

@@ -247,6 +247,28 @@ FabricModel FabricModel::builtIn(unsigned ipPorts) {
   return model;
 }
 
+FabricModel FabricModel::twoSwitchFabric() {
+  FabricModel model = builtIn();
+  // Domain 6: a host and a two-port storage array.
+  const std::string remote[][3] = {
+      {"21000e5c73000001", "20000e5c73000001", "060100"},
+      {"50e5c73000d40001", "50e5c73000d40000", "060200"},
+      {"50e5c73000d40002", "50e5c73000d40000", "060300"},
+  };
+  for (const auto& row : remote) {
+    if (std::find(model.nodes.begin(), model.nodes.end(), row[1]) == model.nodes.end()) {
+      model.nodes.push_back(row[1]);
+    }
+    NodePort port;
+    port.info.name = row[0];
+    port.info.node_name = row[1];
+    port.info.port_id = row[2];
+    port.info.port_type = kTypeN;
+    model.nodePorts.push_back(std::move(port));  // no switch port: another switch
+  }
+  return model;
+}
+
 bool FabricModel::validate(std::string* orError) const {
   auto fail = [orError](const std::string& irText) {
     *orError = irText;
@@ -288,7 +310,7 @@ bool FabricModel::validate(std::string* orError) const {
     if (nodeNames.count(port.info.node_name) == 0) {
       return fail(where + ".node_name: \"" + port.info.node_name + "\" is not in nodes");
     }
-    if (portNames.count(port.switchPort) == 0) {
+    if (!port.switchPort.empty() && portNames.count(port.switchPort) == 0) {
       return fail(where + ".switch_port: \"" + port.switchPort + "\" is not a switch port");
     }
   }
@@ -327,6 +349,7 @@ SwitchPort* FabricModel::findPortByIndex(std::uint32_t ipIndex) {
 }
 
 bool FabricModel::isLoggedIn(const NodePort& irNodePort) const {
+  if (irNodePort.switchPort.empty()) return true;  // behind another switch
   const SwitchPort* port = findPort(irNodePort.switchPort);
   return port != nullptr && port->info.operational_state == kOperOnline;
 }

@@ -9,10 +9,13 @@
 //   - ports are named by their port WWN and numbered by port_index, the
 //     number that port events carry; port_id is the port's FC address
 //   - every node port logs in through one switch port (`switchPort`, a
-//     port name) and belongs to one node (node_name, listed in `nodes`)
+//     port name) and belongs to one node (node_name, listed in `nodes`);
+//     an empty `switchPort` means a port of another switch of the fabric
 //   - a node port counts as logged in while its switch port is online
-//     (operational_state 1); nodes, node ports and their protocol end
-//     points are reported only while logged in
+//     (operational_state 1), one behind another switch always; nodes, node
+//     ports and their protocol end points are reported only while logged
+//     in, the fabric-wide calls (get_node_names, ...) report all of them,
+//     the attached-node calls of a switch port only those behind it
 //   - protocol end points are not stored: there is one per switch port
 //     (switch side) and one per logged-in node port, named by the port
 //
@@ -77,6 +80,10 @@ class FabricModel {
   // in hex) with the addresses 05PPPP.
   static FabricModel builtIn(unsigned ipPorts);
   static constexpr unsigned kMaxPorts = 2500;
+  // The built-in switch and a second switch of the same fabric behind its
+  // inter-switch links, with a host and a storage array of its own: their
+  // nodes are in the fabric but not attached to this switch.
+  static FabricModel twoSwitchFabric();
 
   // Checks the relations above, unique names and the zoning rules of
   // ZoningState.h; on failure names the offending field in *orError.
