@@ -7,10 +7,11 @@
       instance of every association each end's associators and references;
       also the time of `qrx-cim ei QRX_SwitchFCPort`.
   cimom_checks.py check --url URL --expect FILE --sim QRX-SWITCHSIM --lib LIB
-                        --sfcbd-pid PID --trace FILE
+                        --sfcbd-pid PID --trace FILE --deb PACKAGE
       the same asked of the object manager with wbemcli (every command under
       `timeout`), a zoning session through extrinsic methods, the debug
-      facility in root/interop, a provider process restart; prints the table
+      facility in root/interop, a provider process restart, the Debian
+      package's contents; prints the table
       of what it checked and exits 1 when anything disagreed.
 
 Object paths are compared by class and key values, ignoring host and
@@ -444,6 +445,28 @@ def check_cmpi2_slots(table):
               ", ".join(uses[:3]) or "no use in the providers, glue generator or backends")
 
 
+def check_key_states(trace, table):
+    """Keys as sfcb hands them to the providers are read: the object-path
+    reader logs "No good value!!!" for a key it skipped."""
+    with open(trace, errors="replace") as f:
+        skipped = sum(1 for line in f if "No good value" in line)
+    table.add("keys as sfcb delivers them are read (gi, ain, rin, cm)", skipped == 0,
+              "no key skipped by the path reader" if skipped == 0
+              else '%d "No good value" lines in the trace' % skipped)
+
+
+def check_package(deb, table):
+    """The Debian package holds the library, MOF, registrations and tools."""
+    listing = subprocess.run(["dpkg-deb", "-c", deb], capture_output=True, text=True)
+    wanted = ["/cmpi/libqrxsmis.so", "/qrxsmis/mof/qrx_classes.mof", "/qrxsmis/mof/qrx_interop.mof",
+              "/qrxsmis/sfcb/qrxsmis.reg", "/qrxsmis/pegasus/qrxsmis-pegasus.mof",
+              "/bin/qrx-cim", "/bin/qrx-switchsim"]
+    missing = [w for w in wanted if w not in listing.stdout]
+    table.add("Debian package (cpack)", listing.returncode == 0 and not missing,
+              "%s: %d files" % (os.path.basename(deb), len(wanted)) if not missing
+              else "%s lacks %s" % (os.path.basename(deb), ", ".join(missing)))
+
+
 def check_indications(lib, table):
     exported = subprocess.run(["nm", "-D", "--defined-only", lib], capture_output=True,
                               text=True).stdout
@@ -478,7 +501,9 @@ def check(args):
     check_debug(client, args.trace, table)
     check_restart(client, exp, args, table)
     check_zoning(client, args.sim, table)
+    check_key_states(args.trace, table)
     check_cmpi2_slots(table)
+    check_package(args.deb, table)
     check_indications(args.lib, table)
     table.print()
     return 1 if table.failed else 0
@@ -492,7 +517,7 @@ def main():
     e.add_argument("--reg", required=True)
     e.add_argument("--out", required=True)
     c = sub.add_parser("check")
-    for name in ("--url", "--expect", "--sim", "--lib", "--trace"):
+    for name in ("--url", "--expect", "--sim", "--lib", "--trace", "--deb"):
         c.add_argument(name, required=True)
     c.add_argument("--sfcbd-pid", type=int, required=True)
     args = parser.parse_args()
