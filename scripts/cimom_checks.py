@@ -19,12 +19,14 @@ namespace (references included, recursively) and the case of names.
 """
 
 import argparse
+import http.server
 import json
 import os
 import re
 import signal
 import subprocess
 import sys
+import threading
 import time
 
 TIMEOUT = "60"  # seconds for one wbemcli request
@@ -467,15 +469,85 @@ def check_package(deb, table):
               else "%s lacks %s" % (os.path.basename(deb), ", ".join(missing)))
 
 
-def check_indications(lib, table):
-    exported = subprocess.run(["nm", "-D", "--defined-only", lib], capture_output=True,
+class Listener(threading.Thread):
+    """A CIM-XML listener on loopback that keeps every export request."""
+
+    def __init__(self):
+        threading.Thread.__init__(self, daemon=True)
+        bodies = self.bodies = []
+
+        class Handler(http.server.BaseHTTPRequestHandler):
+            def do_POST(self):
+                length = int(self.headers.get("Content-Length", "0"))
+                bodies.append(self.rfile.read(length).decode("utf-8", "replace"))
+                reply = (b'<?xml version="1.0" encoding="utf-8"?><CIM CIMVERSION="2.0" '
+                         b'DTDVERSION="2.0"><MESSAGE ID="1" PROTOCOLVERSION="1.0"><SIMPLEEXPRSP>'
+                         b'<EXPMETHODRESPONSE NAME="ExportIndication"/></SIMPLEEXPRSP>'
+                         b"</MESSAGE></CIM>")
+                self.send_response(200)
+                self.send_header("Content-Type", 'application/xml; charset="utf-8"')
+                self.send_header("CIMExport", "MethodResponse")
+                self.send_header("Content-Length", str(len(reply)))
+                self.end_headers()
+                self.wfile.write(reply)
+
+            def log_message(self, *args):
+                pass
+
+        self.server = http.server.HTTPServer(("127.0.0.1", 0), Handler)
+        self.port = self.server.server_address[1]
+
+    def run(self):
+        self.server.serve_forever()
+
+
+def check_indications(client, args, table):
+    what = "indication subscription (ci filter, destination, subscription)"
+    exported = subprocess.run(["nm", "-D", "--defined-only", args.lib], capture_output=True,
                               text=True).stdout
     if "CIM_InstModification_Provider_Create_IndicationMI" not in exported:
-        table.add("indication subscription (ci filter, destination, subscription)", None,
-                  "indications: not served by this library yet")
+        table.add(what, None, "indications: not served by this library yet")
         return
-    table.add("indication subscription (ci filter, destination, subscription)", False,
-              "the library exports an indication factory: this check is still to be written")
+    listener = Listener()
+    listener.start()
+    system = 'SystemCreationClassName="CIM_ComputerSystem",SystemName="localhost"'
+    filt = ('CIM_IndicationFilter.%s,CreationClassName="CIM_IndicationFilter",'
+            'Name="qrx-cimom"' % system)
+    dest = ('CIM_ListenerDestinationCIMXML.%s,CreationClassName="CIM_ListenerDestinationCIMXML",'
+            'Name="qrx-cimom"' % system)
+    # wbemcli takes reference keys unquoted, as it prints them.
+    refs = "Filter=root/interop:%s,Handler=root/interop:%s" % (filt, dest)
+    subscription = "CIM_IndicationSubscription." + refs
+    steps = [
+        (filt, filt.split(".", 1)[1] + ',Query="SELECT * FROM CIM_InstModification",'
+         'QueryLanguage="CQL",SourceNamespace="root/qrx"'),
+        (dest, dest.split(".", 1)[1] + ',Destination="http://127.0.0.1:%d"' % listener.port),
+        (subscription, refs),
+    ]
+    failure = None
+    for path, props in steps:
+        code, _, err = client.run("ci", "root/interop", path, props)
+        if code != 0:
+            failure = "ci %s: %s" % (path.split(".")[0], err[-100:])
+            break
+    delivered, waited = [], 0.0
+    if failure is None:
+        port = json.loads(subprocess.run([args.sim, "model"], capture_output=True, text=True,
+                                         check=True).stdout)["ports"][5]["port_index"]
+        subprocess.run([args.sim, "event", "port-state", str(port), "offline"],
+                       capture_output=True, check=True)
+        start = time.monotonic()
+        while time.monotonic() - start < 15 and not delivered:
+            time.sleep(0.2)
+            delivered = [b for b in listener.bodies if "CIM_InstModification" in b]
+        waited = time.monotonic() - start
+    for path, _ in reversed(steps):
+        client.run("di", "root/interop", path)
+    listener.server.shutdown()
+    table.add(what, failure is None and bool(delivered),
+              failure or ("CIM_InstModification delivered to the listener %.1f s after a port "
+                          "went offline" % waited if delivered else
+                          "nothing delivered within 15 s of a port going offline"))
 
 
 def check(args):
@@ -504,7 +576,7 @@ def check(args):
     check_key_states(args.trace, table)
     check_cmpi2_slots(table)
     check_package(args.deb, table)
-    check_indications(args.lib, table)
+    check_indications(client, args, table)
     table.print()
     return 1 if table.failed else 0
 
