@@ -408,8 +408,15 @@ def provider_processes(sfcbd_pid, lib):
     return found
 
 
+def loaded_lines(trace):
+    """How often the switch's instance factory wrote its "loaded" line."""
+    with open(trace, errors="replace") as f:
+        return sum(1 for line in f if line.startswith("Info: loaded Instance QRX_Switch\n"))
+
+
 def check_restart(client, exp, args, table):
     before = provider_processes(args.sfcbd_pid, args.lib)
+    loaded = loaded_lines(args.trace)
     for pid in before:
         os.kill(pid, signal.SIGKILL)
     time.sleep(1)
@@ -421,10 +428,14 @@ def check_restart(client, exp, args, table):
             break
         time.sleep(1)
     after = provider_processes(args.sfcbd_pid, args.lib)
-    good = bool(before) and ok and same(want, got) and bool(after) and not set(after) & set(before)
+    again = loaded_lines(args.trace) - loaded
+    good = (bool(before) and ok and same(want, got) and bool(after) and
+            not set(after) & set(before) and again == 1)
     table.add("provider process killed: factories called again", good,
-              "process %s killed, %s serves again" % (before, after) if good
-              else "before %s after %s: %s" % (before, after, err[:60]))
+              "process %s killed; %s loaded the library, called the factory again and "
+              "answers" % (before, after) if good
+              else "before %s after %s, factory called %d times: %s"
+              % (before, after, again, err[:60]))
 
 
 def check_cmpi2_slots(table):
