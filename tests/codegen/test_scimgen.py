@@ -159,8 +159,9 @@ class Registration(unittest.TestCase):
         result = schema_dir.run("--out", out.name, "--module-version", "4.5.6")
         self.assertEqual(0, result.returncode, result.stderr)
         texts = []
-        for name in ("qrxsmis.reg", "qrxsmis-pegasus.mof"):
-            with open(os.path.join(out.name, "registration", name)) as f:
+        for name in ("registration/qrxsmis.reg", "registration/qrxsmis-pegasus.mof",
+                     "mof/qrx_interop.mof"):
+            with open(os.path.join(out.name, name)) as f:
                 texts.append(f.read())
         return texts
 
@@ -185,7 +186,7 @@ class Registration(unittest.TestCase):
         things = THING.replace("keys Name;", "keys Name;\n    namespaces qrx, interop;", 1)
         things += "indication CIM_InstIndication : CIM_Indication {\n    string SourceInstanceHost;\n}\n"
         tree = TREE + "hierarchy {\n    CIM_Indication: CIM_InstIndication\n}\n"
-        reg, pegasus = self.generate(SchemaDir(tree=tree, things=things))
+        reg, pegasus, interop_mof = self.generate(SchemaDir(tree=tree, things=things))
         self.assertEqual({
             "QRX_Thing": ("QRX_Thing_Provider", "qrxsmis", "instance method", "qrxsmis",
                           ["root/qrx", "root/interop"]),
@@ -194,6 +195,9 @@ class Registration(unittest.TestCase):
             "CIM_InstIndication": ("CIM_InstIndication_Provider", "qrxsmis", "indication",
                                    "qrxsmis", ["root/qrx"]),
         }, self.stanzas(reg))
+        # The root/interop MOF declares only the classes served there.
+        self.assertIn("class QRX_Thing : CIM_LogicalElement", interop_mof)
+        self.assertNotIn("QRX_ThingInThing", interop_mof)
         self.assertEqual(1, pegasus.count("instance of PG_ProviderModule"))
         self.assertIn('InterfaceType = "CMPI";\n   InterfaceVersion = "2.0.0";', pegasus)
         self.assertIn('Version = "4.5.6";', pegasus)
@@ -211,7 +215,7 @@ class Registration(unittest.TestCase):
         # test compares it with the library); a class missing there may
         # only be an indication whose MI is not exported yet.
         root = os.path.join(os.path.dirname(__file__), "..", "..")
-        reg, _ = self.generate(SchemaDirAt(os.path.join(root, "schema")))
+        reg, _, _ = self.generate(SchemaDirAt(os.path.join(root, "schema")))
         registered = self.stanzas(reg)
         exported = {}
         with open(os.path.join(root, "tests", "provider_factories.txt")) as f:
