@@ -85,6 +85,10 @@ class SchemaErrors(unittest.TestCase):
                           "  keys GroupComponent, PartComponent;\n"
                           "  QRX_Thing REF GroupComponent;\n  QRX_Thing REF PartComponent;\n}\n",
                           7, "ends at QRX_Thing, which has no generated provider")
+        self.expect_error("class QRX_Thing : CIM_LogicalElement {\n  namespaces qrx;\n"
+                          "  namespaces interop;\n}\n", 3, "a second namespaces line")
+        self.expect_error("class CIM_LogicalElement : CIM_ManagedSystemElement {\n"
+                          "  namespaces qrx;\n}\n", 1, "not served, so it has no namespaces")
 
     def test_a_valid_schema_checks_clean(self):
         result = SchemaDir(tree=TREE, things=THING).run("--check")
@@ -143,6 +147,97 @@ class Output(unittest.TestCase):
         # Superclasses come before their subclasses in the hierarchy file.
         hierarchy = self.read("mof/cim_hierarchy.mof")
         self.assertLess(hierarchy.index("class CIM_LogicalElement"), hierarchy.index("class QRX_Thing"))
+
+
+class Registration(unittest.TestCase):
+    """The provider registrations name each served class's provider, kinds
+    and namespaces."""
+
+    def generate(self, schema_dir):
+        out = tempfile.TemporaryDirectory()
+        self.addCleanup(out.cleanup)
+        result = schema_dir.run("--out", out.name, "--module-version", "4.5.6")
+        self.assertEqual(0, result.returncode, result.stderr)
+        texts = []
+        for name in ("registration/qrxsmis.reg", "registration/qrxsmis-pegasus.mof",
+                     "mof/qrx_interop.mof"):
+            with open(os.path.join(out.name, name)) as f:
+                texts.append(f.read())
+        return texts
+
+    @staticmethod
+    def stanzas(reg):
+        """class -> (provider, location, kinds, group, namespaces) of a .reg file."""
+        found = {}
+        for block in reg.split("\n#\n"):
+            lines = [l.strip() for l in block.splitlines() if l.strip() and not l.startswith("#")]
+            if not lines:
+                continue
+            fields = {}
+            for line in lines[1:]:
+                key, value = line.split(":", 1)
+                fields.setdefault(key, []).extend(value.split())
+            found[lines[0].strip("[]")] = (fields["provider"][0], fields["location"][0],
+                                          " ".join(fields["type"]), fields["group"][0],
+                                          fields["namespace"])
+        return found
+
+    def test_kinds_and_namespaces_follow_the_schema(self):
+        things = THING.replace("keys Name;", "keys Name;\n    namespaces qrx, interop;", 1)
+        things += "indication CIM_InstIndication : CIM_Indication {\n    string SourceInstanceHost;\n}\n"
+        tree = TREE + "hierarchy {\n    CIM_Indication: CIM_InstIndication\n}\n"
+        reg, pegasus, interop_mof = self.generate(SchemaDir(tree=tree, things=things))
+        self.assertEqual({
+            "QRX_Thing": ("QRX_Thing_Provider", "qrxsmis", "instance method", "qrxsmis",
+                          ["root/qrx", "root/interop"]),
+            "QRX_ThingInThing": ("QRX_ThingInThing_Provider", "qrxsmis", "instance association",
+                                 "qrxsmis", ["root/qrx"]),
+            "CIM_InstIndication": ("CIM_InstIndication_Provider", "qrxsmis", "indication",
+                                   "qrxsmis", ["root/qrx"]),
+        }, self.stanzas(reg))
+        # The root/interop MOF declares only the classes served there.
+        self.assertIn("class QRX_Thing : CIM_LogicalElement", interop_mof)
+        self.assertNotIn("QRX_ThingInThing", interop_mof)
+        self.assertEqual(1, pegasus.count("instance of PG_ProviderModule"))
+        self.assertIn('InterfaceType = "CMPI";\n   InterfaceVersion = "2.0.0";', pegasus)
+        self.assertIn('Version = "4.5.6";', pegasus)
+        self.assertEqual(3, pegasus.count("instance of PG_Provider\n"))
+        thing = pegasus[pegasus.index('CapabilityID = "QRX_Thing";'):]
+        self.assertIn('Namespaces = {"root/qrx", "root/interop"};\n   ProviderType = {2, 5};',
+                      thing[:thing.index("\n};")])
+        assoc = pegasus[pegasus.index('CapabilityID = "QRX_ThingInThing";'):]
+        self.assertIn("ProviderType = {2, 3};", assoc[:assoc.index("\n};")])
+        ind = pegasus[pegasus.index('CapabilityID = "CIM_InstIndication";'):]
+        self.assertIn("ProviderType = {4};", ind[:ind.index("\n};")])
+
+    def test_the_schema_registers_the_factories_the_library_exports(self):
+        # tests/provider_factories.txt lists the exported factories (another
+        # test compares it with the library); a class missing there may
+        # only be an indication whose MI is not exported yet.
+        root = os.path.join(os.path.dirname(__file__), "..", "..")
+        reg, _, _ = self.generate(SchemaDirAt(os.path.join(root, "schema")))
+        registered = self.stanzas(reg)
+        exported = {}
+        with open(os.path.join(root, "tests", "provider_factories.txt")) as f:
+            for line in f:
+                if line.strip() and not line.startswith("#"):
+                    words = line.split()
+                    exported[words[0]] = " ".join(w.lower() for w in words[1:])
+        for name, kinds in exported.items():
+            self.assertIn(name, registered)
+            self.assertEqual(kinds, registered[name][2], name)
+        for name in set(registered) - set(exported):
+            self.assertEqual("indication", registered[name][2], name)
+        self.assertEqual(["root/interop"], registered["QRX_RegisteredProfile"][4])
+        self.assertEqual(["root/qrx", "root/interop"], registered["QRX_DebugFacility"][4])
+        self.assertEqual(["root/qrx"], registered["QRX_Switch"][4])
+
+
+class SchemaDirAt(SchemaDir):
+    """An existing schema directory."""
+
+    def __init__(self, path):
+        self.dir = type("Dir", (), {"name": path})()
 
 
 if __name__ == "__main__":

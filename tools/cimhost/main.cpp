@@ -2,6 +2,7 @@
 // provider library, with the in-process broker in place of an object
 // manager. See README.md in this directory, or qrx-cim --help.
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -56,6 +57,18 @@ std::istream* openScript(const std::string& irName, std::ifstream* opFile, std::
   return opFile;
 }
 
+// `ipInstalled` (relative to the directory of this program) when that file
+// exists, as in an installed tree; else `ipBuild`, the build tree's file.
+std::string defaultFile(const char* ipInstalled, const char* ipBuild) {
+  char exe[4096];
+  const ssize_t length = readlink("/proc/self/exe", exe, sizeof exe - 1);
+  if (length <= 0) return ipBuild;
+  std::string path(exe, static_cast<size_t>(length));
+  path = path.substr(0, path.rfind('/') + 1) + ipInstalled;
+  struct stat info;
+  return stat(path.c_str(), &info) == 0 ? path : ipBuild;
+}
+
 int run(const std::vector<std::string>& irWords) {
   Invocation invocation;
   std::string error;
@@ -78,7 +91,10 @@ int run(const std::vector<std::string>& irWords) {
 
   ClassHierarchy hierarchy;
   std::vector<std::string> mofFiles = invocation.mofFiles;
-  if (mofFiles.empty()) mofFiles = {QRX_CIM_HIERARCHY_MOF, QRX_CIM_VENDOR_MOF};
+  if (mofFiles.empty()) {
+    mofFiles = {defaultFile(QRX_CIM_INSTALLED_HIERARCHY_MOF, QRX_CIM_HIERARCHY_MOF),
+                defaultFile(QRX_CIM_INSTALLED_VENDOR_MOF, QRX_CIM_VENDOR_MOF)};
+  }
   for (const std::string& file : mofFiles) {
     if (!hierarchy.loadMofFile(file, &error)) {
       std::cerr << "qrx-cim: cannot read the class hierarchy: " << error << "\n";
@@ -96,7 +112,8 @@ int run(const std::vector<std::string>& irWords) {
   std::ostream* trace = invocation.verbose ? &std::cerr : nullptr;
   ProviderLibrary library(broker, trace);
   const std::string path =
-      libraryPath(invocation, std::getenv("QRX_CIM_LIBRARY"), QRX_CIM_DEFAULT_LIBRARY);
+      libraryPath(invocation, std::getenv("QRX_CIM_LIBRARY"),
+                  defaultFile(QRX_CIM_INSTALLED_LIBRARY, QRX_CIM_DEFAULT_LIBRARY));
   if (trace) *trace << "qrx-cim: loading " << path << "\n";
   if (!library.open(path, &error)) {
     std::cerr << "qrx-cim: " << error << "\n";

@@ -6,6 +6,9 @@ does not (vendor properties and methods, and references narrowed to the
 vendor classes they link), so that it loads on top of a standard DMTF CIM
 schema.
 
+qrx_interop.mof declares, the same way, only the vendor classes served in
+root/interop, for an object manager that keeps that namespace apart.
+
 cim_hierarchy.mof places every class the schema knows in its hierarchy,
 standard classes as empty declarations and model classes with their key
 properties. It stands in for the DMTF schema in the in-process test object
@@ -109,12 +112,17 @@ def vendor_class(schema, cls):
     return "%s%s {\n%s};\n" % (class_qualifiers(cls.kind), head, body)
 
 
-def vendor_mof(schema):
+def vendor_mof(schema, namespace=None):
     out = BANNER
-    out += ("// Vendor classes of the switch agent. Load after the DMTF CIM schema\n"
-            "// (2.17 or later) into root/qrx, and into root/interop for the profile\n"
-            "// registration classes.\n\n")
-    names = [n for n in schema.order if n.startswith("QRX_")]
+    if namespace:
+        out += ("// Vendor classes of the switch agent served in %s. Load after the DMTF\n"
+                "// CIM schema (2.17 or later) into that namespace.\n\n" % namespace)
+    else:
+        out += ("// Vendor classes of the switch agent. Load after the DMTF CIM schema\n"
+                "// (2.17 or later) into root/qrx, and into root/interop for the profile\n"
+                "// registration classes.\n\n")
+    names = [n for n in schema.order if n.startswith("QRX_") and
+             (namespace is None or namespace in schema.classes[n].served_namespaces)]
     return out + "\n".join(vendor_class(schema, schema.classes[n]) for n in ordered(schema, names))
 
 
@@ -133,4 +141,6 @@ def hierarchy_mof(schema):
 
 
 def generate(schema):
-    return {"mof/qrx_classes.mof": vendor_mof(schema), "mof/cim_hierarchy.mof": hierarchy_mof(schema)}
+    return {"mof/qrx_classes.mof": vendor_mof(schema),
+            "mof/qrx_interop.mof": vendor_mof(schema, "root/interop"),
+            "mof/cim_hierarchy.mof": hierarchy_mof(schema)}

@@ -31,6 +31,9 @@ CIM_TYPES = {"boolean", "uint8", "uint16", "uint32", "uint64", "sint8", "sint16"
 
 KINDS = ("class", "association", "indication")
 
+# The namespace (below root) of a served class without a `namespaces` line.
+DEFAULT_NAMESPACE = "qrx"
+
 
 class SchemaError(Exception):
     def __init__(self, where, reason):
@@ -107,12 +110,37 @@ class ModelClass:
         self.methods = []     # Method, in dispatch order
         self.implements = []  # backend operations defined by hand, in common/backend
         self.implements_where = where
+        self.namespaces = []  # CIM namespaces it is served in, below root; empty: the default
         self.source = os.path.basename(where.path)
 
     @property
     def generated_provider(self):
         """Whether the class gets the generated provider glue and backend."""
         return self.name.startswith("QRX_") and self.kind != "indication" and not self.handwritten
+
+    @property
+    def served(self):
+        """Whether the library serves the class (it has a provider, generated,
+        written by hand or an indication MI)."""
+        return self.name.startswith("QRX_") or self.kind == "indication"
+
+    @property
+    def served_namespaces(self):
+        """The CIM namespaces the class is served in."""
+        return ["root/" + n for n in (self.namespaces or [DEFAULT_NAMESPACE])]
+
+    @property
+    def mi_kinds(self):
+        """The management-interface kinds of the class's provider, in CMPI
+        order: instance, association, method, indication."""
+        if self.kind == "indication":
+            return ["indication"]
+        kinds = ["instance"]
+        if self.kind == "association":
+            kinds.append("association")
+        if self.methods:
+            kinds.append("method")
+        return kinds
 
     @property
     def ends(self):
@@ -355,34 +383,14 @@ class Parser(TokenReader):
     def parse_member(self, cls):
         tok, where = self.tokens[self.i]
         if tok == "keys":
-            self.next()
-            if cls.keys:
-                raise SchemaError(where, "a second keys line")
-            cls.keys_where = where
-            while True:
-                key, _ = self.ident("a key property")
-                if key in cls.keys:
-                    raise SchemaError(where, "key %s named twice" % key)
-                cls.keys.append(key)
-                if self.peek() != ",":
-                    break
-                self.next()
-            self.expect(";")
+            cls.keys_where = self.name_list(cls.keys, "keys", "a key property", "key")
             return
         if tok == "implements":
-            self.next()
-            if cls.implements:
-                raise SchemaError(where, "a second implements line")
-            cls.implements_where = where
-            while True:
-                op, _ = self.ident("a backend operation")
-                if op in cls.implements:
-                    raise SchemaError(where, "operation %s named twice" % op)
-                cls.implements.append(op)
-                if self.peek() != ",":
-                    break
-                self.next()
-            self.expect(";")
+            cls.implements_where = self.name_list(cls.implements, "implements",
+                                                  "a backend operation", "operation")
+            return
+        if tok == "namespaces":
+            self.name_list(cls.namespaces, "namespaces", "a namespace below root", "namespace")
             return
         new = False
         if tok == "new":
@@ -411,6 +419,22 @@ class Parser(TokenReader):
         prop_name, pwhere = self.ident("a property name")
         self.expect(";")
         self.add_property(cls, Property(prop_name, type_, pwhere, new))
+
+    def name_list(self, names, line, what, noun):
+        """Reads `line a, b;` into the empty list `names`; returns where it is."""
+        tok, where = self.next()
+        if names:
+            raise SchemaError(where, "a second %s line" % line)
+        while True:
+            name, _ = self.ident(what)
+            if name in names:
+                raise SchemaError(where, "%s %s named twice" % (noun, name))
+            names.append(name)
+            if self.peek() != ",":
+                break
+            self.next()
+        self.expect(";")
+        return where
 
     def add_property(self, cls, prop):
         if cls.prop(prop.name):
@@ -500,6 +524,8 @@ def check(schema):
 
 
 def check_provider(schema, cls):
+    if cls.namespaces and not cls.served:
+        raise SchemaError(cls.where, "%s is not served, so it has no namespaces" % cls.name)
     if cls.handwritten and not cls.name.startswith("QRX_"):
         raise SchemaError(cls.where, "only a vendor class has a provider to write by hand")
     if cls.implements and not cls.generated_provider:

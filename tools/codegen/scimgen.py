@@ -7,6 +7,8 @@ class schema.
   scimgen.py --schema DIR --out DIR --list   print the files it would write
   scimgen.py --schema DIR --out DIR          write them
 
+--module-version gives the version the provider registrations carry.
+
 A file is rewritten only when its text changes, so that a schema edit
 recompiles only what it touched. Errors are printed as file:line: reason and
 end the run with status 1.
@@ -25,12 +27,13 @@ import gen_ipc_client  # noqa: E402
 import gen_ipc_dispatch  # noqa: E402
 import gen_mof  # noqa: E402
 import gen_providers  # noqa: E402
+import gen_registration  # noqa: E402
 import gen_tree  # noqa: E402
 import ipc_schema  # noqa: E402
 import schema as schema_module  # noqa: E402
 
-GENERATORS = (gen_classes, gen_tree, gen_mof, gen_backend, gen_providers, gen_ipc,
-              gen_ipc_client, gen_ipc_dispatch)
+GENERATORS = (gen_classes, gen_tree, gen_mof, gen_backend, gen_providers, gen_registration,
+              gen_ipc, gen_ipc_client, gen_ipc_dispatch)
 
 
 def outputs(schema):
@@ -61,10 +64,13 @@ def main(argv):
     parser.add_argument("--out", help="output directory (the generated/ tree)")
     parser.add_argument("--check", action="store_true", help="only check the schema")
     parser.add_argument("--list", action="store_true", help="list the output files, one per line")
+    parser.add_argument("--module-version", default="0.0.0",
+                        help="version of the provider library, for its registrations")
     args = parser.parse_args(argv)
     try:
         schema = schema_module.load(args.schema)
         schema.protocol = ipc_schema.load(args.schema)
+        schema.version = args.module_version
     except schema_module.SchemaError as error:
         print("error: %s" % error, file=sys.stderr)
         return 1
