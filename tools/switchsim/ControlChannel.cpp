@@ -18,7 +18,10 @@ const char* const kControlPathEnv = "QRX_SWITCHSIM_CONTROL";
 
 namespace {
 
-constexpr std::size_t kLongestLine = std::size_t{1} << 20;
+// A command is short; an answer carries the whole model (a 2,500-port
+// switch's is over a megabyte).
+constexpr std::size_t kLongestCommand = std::size_t{1} << 20;
+constexpr std::size_t kLongestAnswer = std::size_t{64} << 20;
 constexpr int kReadTimeoutMs = 2000;
 constexpr int kAnswerTimeoutMs = 10000;
 
@@ -34,12 +37,13 @@ bool makeAddress(const std::string& irPath, sockaddr_un* opAddress, std::string*
   return true;
 }
 
-// Reads from `ipFd` until a newline or the end, at most `ipTimeoutMs`.
-bool readLine(int ipFd, int ipTimeoutMs, std::string* opLine) {
+// Reads from `ipFd` until a newline or the end, at most `ipTimeoutMs` and
+// about `ipLongest` bytes.
+bool readLine(int ipFd, int ipTimeoutMs, std::size_t ipLongest, std::string* opLine) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(ipTimeoutMs);
   std::string data;
   char buffer[4096];
-  while (data.find('\n') == std::string::npos && data.size() < kLongestLine) {
+  while (data.find('\n') == std::string::npos && data.size() < ipLongest) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
         deadline - std::chrono::steady_clock::now()).count();
     if (left <= 0) return false;
@@ -225,7 +229,7 @@ bool sendControlLine(const std::string& irPath, const std::string& irLine, std::
   if (fd < 0) return false;
   bool ok = writeAll(fd, irLine + "\n");
   if (ok) shutdown(fd, SHUT_WR);
-  ok = ok && readLine(fd, kAnswerTimeoutMs, opAnswer);
+  ok = ok && readLine(fd, kAnswerTimeoutMs, kLongestAnswer, opAnswer);
   close(fd);
   if (!ok) *orError = "the simulator at " + irPath + " did not answer";
   return ok;
@@ -285,7 +289,7 @@ void ControlServer::run() {
 
 void ControlServer::serveConnection(int ipFd) {
   std::string line;
-  if (!readLine(ipFd, kReadTimeoutMs, &line)) {
+  if (!readLine(ipFd, kReadTimeoutMs, kLongestCommand, &line)) {
     writeAll(ipFd, "error no command line arrived\n");
     return;
   }
