@@ -36,6 +36,15 @@ bool isPortEvent(std::uint32_t ipCode) {
          ipCode == kEventPortTopoChange;
 }
 
+// The CIM object `ipConvert` makes of `irRecord`.
+template <class Object, class Record>
+std::unique_ptr<SCIMSerdesable> converted(const Record& irRecord,
+                                          void (*ipConvert)(Object&, const Record&)) {
+  std::unique_ptr<Object> object(new Object());
+  ipConvert(*object, irRecord);
+  return object;
+}
+
 void printText(const EventRecord& irEvent) {
   if (irEvent.text.empty()) return;
   std::printf("\n\t%s.\n", irEvent.text.c_str());
@@ -146,16 +155,12 @@ int BackendInd::handleFabricChange(const EventRecord& irEvent) {
       [&cache]() -> std::unique_ptr<SCIMSerdesable> {
         fabric_info_t record;
         if (cache.get_fabric_info(record) != 0) return nullptr;
-        std::unique_ptr<QRX_Fabric> fabric(new QRX_Fabric());
-        FabricCache::convertFabric(*fabric, record);
-        return fabric;
+        return converted<QRX_Fabric>(record, &FabricCache::convertFabric);
       },
       [&cache]() -> std::unique_ptr<SCIMSerdesable> {
         fabric_info_t record;
         cache.prev_fabric_info(record);
-        std::unique_ptr<QRX_Fabric> fabric(new QRX_Fabric());
-        FabricCache::convertFabric(*fabric, record);
-        return fabric;
+        return converted<QRX_Fabric>(record, &FabricCache::convertFabric);
       });
   return kind;
 }
@@ -172,16 +177,12 @@ int BackendInd::handleSwitchChange(const EventRecord& irEvent) {
       [&cache]() -> std::unique_ptr<SCIMSerdesable> {
         switch_info_t record;
         if (cache.cached_switch_info(record) != 0) return nullptr;
-        std::unique_ptr<QRX_Switch> object(new QRX_Switch());
-        FabricCache::convertSwitch(*object, record);
-        return object;
+        return converted<QRX_Switch>(record, &FabricCache::convertSwitch);
       },
       [&cache]() -> std::unique_ptr<SCIMSerdesable> {
         switch_info_t record;
         cache.prev_switch_info(record);
-        std::unique_ptr<QRX_Switch> object(new QRX_Switch());
-        FabricCache::convertSwitch(*object, record);
-        return object;
+        return converted<QRX_Switch>(record, &FabricCache::convertSwitch);
       });
   return kind;
 }
