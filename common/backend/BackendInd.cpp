@@ -8,7 +8,12 @@
 #include <memory>
 #include <string>
 
+#include "common/backend/LifecycleIndication.h"
 #include "common/base/trace.h"
+#include "generated/scimclasses/QRX_AlertIndication.h"
+#include "generated/scimclasses/QRX_Fabric.h"
+#include "generated/scimclasses/QRX_Switch.h"
+#include "generated/scimclasses/QRX_SwitchFCPort.h"
 
 BackendInd* backendInd = nullptr;
 
@@ -21,9 +26,23 @@ const char* const kUnit = "common/backend/BackendInd";
 constexpr unsigned kYieldingPolls = 1000;
 constexpr long kIdleSleepNs = 2 * 1000 * 1000;
 
+// Values of QRX_AlertIndication (CIM_AlertIndication's value maps).
+constexpr cuint16 kAlertTypeOther = 1;
+constexpr cuint16 kSeverityInformation = 2;
+constexpr cuint16 kProbableCauseUnknown = 0;
+
 bool isPortEvent(std::uint32_t ipCode) {
   return ipCode == kEventPortStateChange || ipCode == kEventPortAttrChange ||
          ipCode == kEventPortTopoChange;
+}
+
+// The CIM object `ipConvert` makes of `irRecord`.
+template <class Object, class Record>
+std::unique_ptr<SCIMSerdesable> converted(const Record& irRecord,
+                                          void (*ipConvert)(Object&, const Record&)) {
+  std::unique_ptr<Object> object(new Object());
+  ipConvert(*object, irRecord);
+  return object;
 }
 
 void printText(const EventRecord& irEvent) {
@@ -103,6 +122,7 @@ void BackendInd::handleEvent(const EventRecord& irEvent, const EventRecord* ipNe
     case kEventZoneChange:
       printText(irEvent);
       ivrCache.refreshActiveZoneSet();
+      alert(irEvent);
       break;
     case kEventNameServerChange:
     case kEventSwitchAttrChange:
@@ -120,36 +140,145 @@ void BackendInd::handleEvent(const EventRecord& irEvent, const EventRecord* ipNe
       break;
     default:
       TRACE_DEBUG("Ignore event=%d\n", static_cast<int>(irEvent.code));
+      alert(irEvent);
       break;
   }
 }
 
 int BackendInd::handleFabricChange(const EventRecord& irEvent) {
   const int kind = ivrCache.cacheAndRefreshFabric();
-  if (ChangeListener* listener = changed(kind, "fabric", irEvent)) listener->fabricChanged(kind);
+  IndicationSink* sink = wanted(kind, "fabric", irEvent, "QRX_Fabric", enabledFor(kind));
+  if (sink == nullptr) return kind;
+  FabricCache& cache = ivrCache;
+  indicate(
+      sink, kind, irEvent,
+      [&cache]() -> std::unique_ptr<SCIMSerdesable> {
+        fabric_info_t record;
+        if (cache.get_fabric_info(record) != 0) return nullptr;
+        return converted<QRX_Fabric>(record, &FabricCache::convertFabric);
+      },
+      [&cache]() -> std::unique_ptr<SCIMSerdesable> {
+        fabric_info_t record;
+        cache.prev_fabric_info(record);
+        return converted<QRX_Fabric>(record, &FabricCache::convertFabric);
+      });
   return kind;
 }
 
 int BackendInd::handleSwitchChange(const EventRecord& irEvent) {
   const int kind = ivrCache.cacheAndRefreshSwitch();
-  if (ChangeListener* listener = changed(kind, "switch", irEvent)) listener->switchChanged(kind);
+  // Switch modifications and deletions follow the creation flag too.
+  IndicationSink* sink =
+      wanted(kind, "switch", irEvent, "QRX_Switch", ivSubscriptions.getInstCreationEnabled());
+  if (sink == nullptr) return kind;
+  FabricCache& cache = ivrCache;
+  indicate(
+      sink, kind, irEvent,
+      [&cache]() -> std::unique_ptr<SCIMSerdesable> {
+        switch_info_t record;
+        if (cache.cached_switch_info(record) != 0) return nullptr;
+        return converted<QRX_Switch>(record, &FabricCache::convertSwitch);
+      },
+      [&cache]() -> std::unique_ptr<SCIMSerdesable> {
+        switch_info_t record;
+        cache.prev_switch_info(record);
+        return converted<QRX_Switch>(record, &FabricCache::convertSwitch);
+      });
   return kind;
 }
 
 int BackendInd::handlePortChange(const EventRecord& irEvent) {
   const int port = static_cast<int>(irEvent.port);
   const int kind = ivrCache.cacheAndRefreshSwitchPort(port);
-  if (ChangeListener* listener = changed(kind, "switch port", irEvent)) {
-    listener->portChanged(kind, port);
-  }
+  IndicationSink* sink =
+      wanted(kind, "switch port", irEvent, "QRX_SwitchFCPort", enabledFor(kind));
+  if (sink == nullptr) return kind;
+  static const char* const kHandling[] = {"", "Handle Create Event\n", "Handle Modify Event\n",
+                                          "Handle Delete Event\n"};
+  TRACE_DEBUG("%s", kHandling[kind]);
+  FabricCache& cache = ivrCache;
+  switch_info_t switchRecord;
+  if (cache.cached_switch_info(switchRecord) != 0) cache.prev_switch_info(switchRecord);
+  const std::string switchName = switchRecord.name;
+  indicate(
+      sink, kind, irEvent,
+      [&cache, port, &switchName]() -> std::unique_ptr<SCIMSerdesable> {
+        switch_fc_port_info_t record;
+        if (cache.get_switch_fc_port_info(port, record) != 0) return nullptr;
+        std::unique_ptr<QRX_SwitchFCPort> object(new QRX_SwitchFCPort());
+        FabricCache::convertSwitchFCPort(*object, record, switchName);
+        return object;
+      },
+      [&cache, port, &switchName, kind]() -> std::unique_ptr<SCIMSerdesable> {
+        switch_fc_port_info_t record;
+        cache.prev_switch_fc_port_info(port, record);
+        std::unique_ptr<QRX_SwitchFCPort> object(new QRX_SwitchFCPort());
+        FabricCache::convertSwitchFCPort(*object, record, switchName);
+        if (kind == CHANGE_FLAG_DELETE) {
+          TRACE_DEBUG("Delete Port %s on switch %s\n", object->DeviceID.c_str(),
+                      switchName.c_str());
+        }
+        return object;
+      });
   return kind;
 }
 
-BackendInd::ChangeListener* BackendInd::changed(int ipKind, const char* ipWhat,
-                                                const EventRecord& irEvent) {
+IndicationSink* BackendInd::wanted(int ipKind, const char* ipWhat, const EventRecord& irEvent,
+                                   const char* ipClassName, bool ipEnabled) {
   if (ipKind == CHANGE_FLAG_NONE) {
     TRACE_DEBUG("Ignore %s event=%d\n", ipWhat, static_cast<int>(irEvent.code));
     return nullptr;
   }
-  return ivListener.load();
+  if (!ipEnabled) return nullptr;
+  const IND_TYPE type = static_cast<IND_TYPE>(ipKind - 1);
+  if (!ivSubscriptions.isLifecycleIndEnabledFor(ipClassName, type)) return nullptr;
+  return ivSink.load();
+}
+
+bool BackendInd::enabledFor(int ipKind) const {
+  switch (ipKind) {
+    case CHANGE_FLAG_CREATE: return ivSubscriptions.getInstCreationEnabled();
+    case CHANGE_FLAG_MODIFY: return ivSubscriptions.getInstModificationEnabled();
+    case CHANGE_FLAG_DELETE: return ivSubscriptions.getInstDeletionEnabled();
+    default: return false;
+  }
+}
+
+void BackendInd::indicate(IndicationSink* ipSink, int ipKind, const EventRecord& irEvent,
+                          const std::function<std::unique_ptr<SCIMSerdesable>()>& irNow,
+                          const std::function<std::unique_ptr<SCIMSerdesable>()>& irBefore) {
+  std::string ident;
+  ivSubscriptions.generateEventIdent(ident);
+  // A deletion shows the object as it was; a modification both states.
+  std::unique_ptr<SCIMSerdesable> source = ipKind == CHANGE_FLAG_DELETE ? irBefore() : irNow();
+  std::unique_ptr<SCIMSerdesable> previous;
+  if (ipKind == CHANGE_FLAG_MODIFY) previous = irBefore();
+  if (!source) {
+    TRACE_ERROR(kUnit, "object of event=%d not in the cache. Ignore event=%d\n",
+                static_cast<int>(irEvent.code), static_cast<int>(irEvent.code));
+    return;
+  }
+  ipSink->deliverIndication(makeLifecycleIndication(static_cast<IND_TYPE>(ipKind - 1), ident,
+                                                    std::move(source), std::move(previous)));
+}
+
+void BackendInd::alert(const EventRecord& irEvent) {
+  if (irEvent.text.empty() || !ivSubscriptions.getAlertEnabled()) return;
+  IndicationSink* sink = ivSink.load();
+  if (sink == nullptr) return;
+  std::unique_ptr<QRX_AlertIndication> indication(new QRX_AlertIndication());
+  ivSubscriptions.generateEventIdent(indication->IndicationIdentifier);
+  indication->Description = irEvent.text;
+  indication->EventID = std::to_string(irEvent.code);
+  indication->AlertType = kAlertTypeOther;
+  indication->OtherAlertType = "Switch event";
+  indication->PerceivedSeverity = kSeverityInformation;
+  indication->ProbableCause = kProbableCauseUnknown;
+  indication->ProviderName = "QRX_AlertIndication_Provider";
+  switch_info_t switchRecord;
+  if (ivrCache.cached_switch_info(switchRecord) == 0) {
+    indication->SystemCreationClassName = "QRX_Switch";
+    indication->SystemName = switchRecord.name;
+  }
+  sink->deliverIndication(std::move(indication));
 }

@@ -9,27 +9,38 @@
 // them) and handling waits.
 //
 // Handling an event refreshes the part of the cache it concerns and, when
-// that found a change, tells the change listener (the indication side),
-// with the kind of change:
+// that found a change (created, modified, deleted) that a subscription
+// wants, builds the lifecycle indication and hands it to the indication
+// sink:
 //   fabric:  codes 1 fabric change, 49 domain id, 83 FCF, 84 FCF config,
-//            85 VLAN config
+//            85 VLAN config; QRX_Fabric, the flag of the change's type
 //   switch:  codes 6 name server, 8 switch attributes, 31 operational
-//            change, 32 switch state, 68 IP address
+//            change, 32 switch state, 68 IP address; QRX_Switch, the
+//            creation flag for every type
 //   port:    codes 13 port state, 14 port attributes, 20 port topology;
-//            a port event followed in the queue by another port event for
-//            the same port is skipped, so a run does the work once
-//   zone:    code 3 re-reads the active zone set; nothing is told
+//            QRX_SwitchFCPort, the flag of the change's type; a port event
+//            followed in the queue by another port event for the same port
+//            is skipped, so a run does the work once
+//   zone:    code 3 re-reads the active zone set; no lifecycle indication
+// A subscription wants the change when its type's flag is on and
+// isLifecycleIndEnabledFor(class, type) holds (IndSubscriptions).
 // Every other code is logged and ignored. For codes 1, 3, 49 and 84 a
-// non-empty event text is printed to standard output.
+// non-empty event text is printed to standard output. The zone change and
+// every code outside the table that carries a text become an alert
+// (QRX_AlertIndication with the text) while alerts are enabled.
 #ifndef QRX_COMMON_BACKEND_BACKENDIND_H_
 #define QRX_COMMON_BACKEND_BACKENDIND_H_
 
 #include <atomic>
 #include <deque>
 #include <functional>
+#include <memory>
+#include <string>
 
 #include "common/backend/EventRecord.h"
 #include "common/backend/FabricCache.h"
+#include "common/backend/IndSubscriptions.h"
+#include "common/backend/IndicationSink.h"
 #include "common/base/Semaphore.h"
 #include "common/base/Thread.h"
 #include "common/base/Time.h"
@@ -38,23 +49,24 @@
 
 class BackendInd : public fcbb::Thread {
  public:
-  // Told about every change the event thread found, on that thread, after
-  // the cache was refreshed (so the cache's prev_ readers give the state
-  // from before). `ipKind` is a change_flag other than CHANGE_FLAG_NONE.
-  class ChangeListener {
-   public:
-    virtual ~ChangeListener() {}
-    virtual void fabricChanged(int ipKind) = 0;
-    virtual void switchChanged(int ipKind) = 0;
-    virtual void portChanged(int ipKind, int ipPortIndex) = 0;
-  };
-
   explicit BackendInd(FabricCache& irCache);
   ~BackendInd() override;
 
-  // May be set or replaced (null: nobody listens) while the thread runs;
-  // the listener must outlive its registration.
-  void setChangeListener(ChangeListener* ipListener) { ivListener = ipListener; }
+  // May be set or replaced (null: nothing is built) while the thread
+  // runs; the sink must outlive its registration.
+  void setIndicationSink(IndicationSink* ipSink) { ivSink = ipSink; }
+  // The subscription queries and enable flags.
+  IndSubscriptions& subscriptions() { return ivSubscriptions; }
+  bool addQuery(IND_TYPE ipType, const std::string& irQuery) {
+    return ivSubscriptions.addQuery(ipType, irQuery);
+  }
+  bool delQuery(IND_TYPE ipType, const std::string& irQuery) {
+    return ivSubscriptions.delQuery(ipType, irQuery);
+  }
+  bool isLifecycleIndEnabledFor(const std::string& irClassName, IND_TYPE ipType) const {
+    return ivSubscriptions.isLifecycleIndEnabledFor(irClassName, ipType);
+  }
+  void generateEventIdent(std::string& orIdent) { ivSubscriptions.generateEventIdent(orIdent); }
   // Whether the zone database is closing a session; set before the start.
   void setClosingSessionCheck(std::function<bool()> ipCheck) { ivIsClosingSession = std::move(ipCheck); }
 
@@ -77,12 +89,26 @@ class BackendInd : public fcbb::Thread {
   // One turn of the loop: receive a message, else handle an event. False
   // when there was nothing to do.
   bool step(unsigned char* ipBuffer);
-  // The listener to tell about a change of `ipKind`, or null when there is
-  // none or nothing changed ("Ignore <what> event=<code>" is logged then).
-  ChangeListener* changed(int ipKind, const char* ipWhat, const EventRecord& irEvent);
+  // The sink for a change of `ipKind` to an object of `ipClassName`, or
+  // null when nothing changed ("Ignore <what> event=<code>" is logged
+  // then), nobody subscribed or there is no sink. `ipEnabled` is the flag
+  // the handler checks.
+  IndicationSink* wanted(int ipKind, const char* ipWhat, const EventRecord& irEvent,
+                         const char* ipClassName, bool ipEnabled);
+  // The enable flag of the change kind's type.
+  bool enabledFor(int ipKind) const;
+  // Builds the indication of `ipKind` from the objects now (`irNow`) and
+  // before (`irBefore`) and hands it to `ipSink`; a missing object drops
+  // the event with a trace line.
+  void indicate(IndicationSink* ipSink, int ipKind, const EventRecord& irEvent,
+                const std::function<std::unique_ptr<SCIMSerdesable>()>& irNow,
+                const std::function<std::unique_ptr<SCIMSerdesable>()>& irBefore);
+  // The alert of an event that made no lifecycle indication.
+  void alert(const EventRecord& irEvent);
 
   FabricCache& ivrCache;
-  std::atomic<ChangeListener*> ivListener{nullptr};
+  std::atomic<IndicationSink*> ivSink{nullptr};
+  IndSubscriptions ivSubscriptions;
   std::function<bool()> ivIsClosingSession;
   fcbb::mqServer ivMqServer;
   std::deque<EventRecord> ivVkswEventQ;  // only the event thread touches it

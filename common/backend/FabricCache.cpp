@@ -477,6 +477,14 @@ int FabricCache::prev_fabric_info(fabric_info_t& orFabric) {
   return 0;
 }
 
+int FabricCache::cached_switch_info(switch_info_t& orSwitch) {
+  fcbb::MutexLock lock(ivLock);
+  const switch_record* current = currentSwitch_nl();
+  if (current == nullptr) return 7;
+  orSwitch = current->ivSwitchInfo;
+  return 0;
+}
+
 int FabricCache::prev_switch_info(switch_info_t& orSwitch) {
   fcbb::MutexLock lock(ivLock);
   assert(!ivPrevSwitchMap.empty());

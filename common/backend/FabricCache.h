@@ -88,6 +88,8 @@ class FabricCache : public rs_api_client_mq {
   // switch's four address strings (no event announces an address change).
   int get_switch_info(switch_info_t& SwitchInfo) override;
   int get_switch_product_info(switch_product_info_t& SwitchProductInfo) override;
+  // The cached switch record, without asking the daemon; 7 when none is cached.
+  int cached_switch_info(switch_info_t& orSwitch);
   // The physical port list.
   int get_switch_fc_port_info(switch_fc_port_info_tA& SwitchFcPortInfo) override;
   // The cached physical port with `port_index`; 7 when there is none.

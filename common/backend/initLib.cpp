@@ -3,9 +3,15 @@
 #include <cstdlib>
 
 #include "common/backend/BackendStart.h"
+#include "provider/Indication_Providers.h"
 
 __attribute__((constructor)) static void initLib() {
   if (!backendStart()) std::exit(-1);
 }
 
-__attribute__((destructor)) static void finiLib() { backendStop(); }
+// The event thread ends first, so that nothing is queued for delivery any
+// more; then the delivery threads end and drop what they still hold.
+__attribute__((destructor)) static void finiLib() {
+  backendStop();
+  stopIndicationDeliveries();
+}

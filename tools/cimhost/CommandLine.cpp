@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 
 #include "tools/cimhost/PathText.h"
 
@@ -89,6 +90,17 @@ const std::vector<CommandInfo> kCommands = {
     {Command::Classes, "classes", "", "",
      "Lists the classes the library serves and the kinds of provider each has.",
      "Only classes the loaded MOF declares are looked for.\n", "classes", 0, 0, 0},
+    {Command::Subscribe, "subscribe", "sub", "QUERY",
+     "Activates a filter with a CQL query, enables delivery and prints the indications.",
+     "The indication class is the query's FROM class; its indication provider gets\n"
+     "the filter (activateFilter) and enableIndications. qrx-cim then waits\n"
+     "--wait SECONDS (default 5) or until --count N indications were delivered,\n"
+     "disables delivery, deactivates the filter and prints each indication.\n"
+     "--then COMMAND runs a shell command once delivery is enabled. The status is\n"
+     "1 when fewer than --count indications came.\n",
+     "sub 'SELECT * FROM CIM_InstModification WHERE SourceInstance ISA CIM_FCPort' "
+     "--count 1 --then 'qrx-switchsim event port-state 5 offline'",
+     1, 1, kOptSubscribe},
     {Command::Run, "run", "", "FILE",
      "Runs a script of commands, one per line, with the library loaded once.",
      kRunDetails, "run demo.txt", 1, 1, 0},
@@ -109,6 +121,9 @@ enum class Option {
   ResultRole,
   PropertyList,
   AllProperties,
+  Count,
+  Wait,
+  Then,
   Json,
   Verbose,
   Help,
@@ -135,6 +150,9 @@ const OptionInfo kOptions[] = {
     {Option::ResultRole, "--result-role", "--rr", true, kOptResultRole, false},
     {Option::PropertyList, "--property-list", "--pl", true, kOptPropertyList, false},
     {Option::AllProperties, "--all-properties", "", false, kOptPropertyList, false},
+    {Option::Count, "--count", "", true, kOptSubscribe, false},
+    {Option::Wait, "--wait", "", true, kOptSubscribe, false},
+    {Option::Then, "--then", "", true, kOptSubscribe, false},
     {Option::Json, "--json", "", false, 0, false},
     {Option::Verbose, "--verbose", "-v", false, 0, false},
     {Option::Help, "--help", "-h", false, 0, false},
@@ -212,6 +230,27 @@ bool applyOption(const OptionInfo& irInfo, const std::string& irValue, Invocatio
       return true;
     }
     case Option::AllProperties: opInv->allProperties = true; return true;
+    case Option::Count: {
+      char* end = nullptr;
+      const unsigned long count = std::strtoul(irValue.c_str(), &end, 10);
+      if (irValue.empty() || *end != '\0' || irValue[0] == '-' || count > 1000000) {
+        *opError = "--count needs a number from 0 to 1000000, not '" + irValue + "'";
+        return false;
+      }
+      opInv->count = static_cast<unsigned>(count);
+      return true;
+    }
+    case Option::Wait: {
+      char* end = nullptr;
+      const double seconds = std::strtod(irValue.c_str(), &end);
+      if (irValue.empty() || *end != '\0' || !(seconds >= 0 && seconds <= 86400)) {
+        *opError = "--wait needs seconds from 0 to 86400, not '" + irValue + "'";
+        return false;
+      }
+      opInv->waitSeconds = seconds;
+      return true;
+    }
+    case Option::Then: return setOnce(&opInv->thenCommand, irValue, irInfo.name, opError);
     case Option::Json: opInv->json = true; return true;
     case Option::Verbose: opInv->verbose = true; return true;
     case Option::Help: opInv->help = true; return true;

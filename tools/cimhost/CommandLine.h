@@ -39,6 +39,7 @@ enum class Command {
   ReferenceNames,
   InvokeMethod,
   Classes,
+  Subscribe,
   Run,
   Help,
 };
@@ -50,6 +51,7 @@ enum CommandOption : unsigned {
   kOptRole = 1u << 2,
   kOptResultRole = 1u << 3,
   kOptPropertyList = 1u << 4,
+  kOptSubscribe = 1u << 5,  // --count, --wait, --then
 };
 
 struct CommandInfo {
@@ -85,6 +87,12 @@ struct Invocation {
   // --all-properties: print every property the provider returned, not only
   // those of the property list (an object manager would drop the others).
   bool allProperties = false;
+  // subscribe: stop after this many indications (0: wait the whole time),
+  // wait at most this long, and run this shell command once the filter is
+  // active.
+  unsigned count = 0;
+  double waitSeconds = 5;
+  std::optional<std::string> thenCommand;
   bool json = false;
   bool verbose = false;
   bool help = false;  // --help, -h

@@ -8,6 +8,7 @@
 #include "tools/cimhost/ArgumentText.h"
 #include "tools/cimhost/InstanceText.h"
 #include "tools/cimhost/PathText.h"
+#include "tools/cimhost/Subscription.h"
 #include "tools/cimhost/StatusText.h"
 
 namespace cimhost {
@@ -175,7 +176,8 @@ bool buildRequest(TestBroker& irBroker, const Invocation& irInvocation, Request*
                   std::string* opError) {
   if (irInvocation.propertyList) opRequest->properties.set(*irInvocation.propertyList);
   const Command command = irInvocation.command->command;
-  if (command == Command::Classes || command == Command::Help || command == Command::Run) {
+  if (command == Command::Classes || command == Command::Help || command == Command::Run ||
+      command == Command::Subscribe) {
     return true;
   }
   const std::string& target = irInvocation.arguments.at(0);
@@ -228,6 +230,8 @@ int runRequest(const Invocation& irInvocation, const Request& irRequest, Session
     case Command::Classes:
       printClasses(irInvocation, irSession, irOut, irErr);
       return kExitOk;
+    case Command::Subscribe:
+      return runSubscription(irInvocation, irSession, irOut, irErr);
     case Command::Run:
     case Command::Help:
       return kExitUsage;  // handled before a request is built

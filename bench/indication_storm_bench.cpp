@@ -1,0 +1,151 @@
+// A storm of 10,000 port events over 48 ports through the real event
+// queue, with a subscription to port modifications active: the time from
+// the first event sent until the event thread has handed over the
+// indication of the last one (port 0 turning faulty, a state the storm never
+// sets, after which nothing is queued), and a check that the last indication of every port
+// shows the port's final state in the simulated switch. Runs of events
+// for one port are coalesced, so fewer indications than events are made
+// (counter "indications"). The sink stands where the indication
+// providers' delivery queues stand in the library.
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "common/backend/BackendInd.h"
+#include "common/mqueue/FramePipeMqTmpl.h"
+#include "generated/scimclasses/CIM_InstModification.h"
+#include "generated/scimclasses/QRX_SwitchFCPort.h"
+#include "tools/switchsim/Simulator.h"
+
+namespace {
+
+const unsigned kPorts = 48;
+const int kEvents = 10000;
+// OperationalStatus of a port online, offline, faulty.
+const cuint16 kOk = 2;
+const cuint16 kStopped = 10;
+const cuint16 kFaulty = 7;
+
+// The last OperationalStatus delivered per port number, and whether the
+// final marker (a port turning faulty: status 7) came.
+class LastStates : public IndicationSink {
+ public:
+  void deliverIndication(std::unique_ptr<SCIMSerdesable> ipIndication) override {
+    const auto* modified = dynamic_cast<const CIM_InstModification*>(ipIndication.get());
+    if (modified == nullptr) return;
+    const auto* port = dynamic_cast<const QRX_SwitchFCPort*>(modified->SourceInstance.ivpEmbeddedObj);
+    if (port == nullptr || port->OperationalStatus.empty()) return;
+    std::lock_guard<std::mutex> lock(ivMutex);
+    ivStates[port->PortNumber] = port->OperationalStatus[0];
+    ++ivCount;
+    if (port->OperationalStatus[0] == kFaulty) ivMarked = true;
+  }
+  void reset() {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    ivStates.clear();
+    ivCount = 0;
+    ivMarked = false;
+  }
+  bool marked() {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    return ivMarked;
+  }
+  std::map<cuint32, cuint16> states() {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    return ivStates;
+  }
+  long count() {
+    std::lock_guard<std::mutex> lock(ivMutex);
+    return ivCount;
+  }
+
+ private:
+  std::mutex ivMutex;
+  std::map<cuint32, cuint16> ivStates;
+  long ivCount = 0;
+  bool ivMarked = false;
+};
+
+bool send(switchsim::Simulator& irSim, const std::vector<std::string>& irWords,
+          std::string* opError) {
+  switchsim::EventCommand command;
+  return switchsim::parseEventCommand(irWords, &command, opError) &&
+         irSim.applyEvent(command, opError);
+}
+
+void BM_StormOf10000PortEvents(benchmark::State& state) {
+  setenv("QRX_SMIS_QUEUE_PREFIX", ("/qrxindbench" + std::to_string(getpid())).c_str(), 1);
+  switchsim::Simulator sim(switchsim::FabricModel::builtIn(kPorts));
+  std::string error;
+  if (!sim.start(&error)) {
+    state.SkipWithError(error.c_str());
+    return;
+  }
+  fcbb::DaemonPipe pipe;
+  if (!pipe.open("smis_ipc")) {
+    state.SkipWithError("cannot open the simulated switch's queues");
+    return;
+  }
+  FabricCache cache(pipe);
+  BackendInd events(cache);
+  LastStates sink;
+  events.setIndicationSink(&sink);
+  events.addQuery(IND_INSTMODIFICATION,
+                  "SELECT * FROM CIM_InstModification WHERE SourceInstance ISA CIM_FCPort");
+  events.subscriptions().setInstModificationEnabled(true);
+  if (!events.startThread() || !events.waitUntilFilled(30000)) {
+    state.SkipWithError("the event thread did not fill the cache");
+    return;
+  }
+  std::vector<std::string> portIndex;
+  for (const switchsim::SwitchPort& port : sim.snapshot().ports) {
+    portIndex.push_back(std::to_string(port.info.port_index));
+  }
+  for (auto _ : state) {
+    sink.reset();
+    const auto start = std::chrono::steady_clock::now();
+    bool sent = true;
+    for (int i = 0; i < kEvents && sent; ++i) {
+      const unsigned port = static_cast<unsigned>(i * 7) % kPorts;
+      sent = send(sim, {"port-state", portIndex[port], (i / kPorts) % 2 ? "online" : "offline"},
+                  &error);
+    }
+    sent = sent && send(sim, {"port-state", portIndex[0], "faulty"}, &error);
+    while (sent && !sink.marked() &&
+           std::chrono::steady_clock::now() - start < std::chrono::seconds(120)) {
+      std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    state.SetIterationTime(
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    if (!sent || !sink.marked()) {
+      state.SkipWithError(sent ? "the last indication did not come" : error.c_str());
+      break;
+    }
+    // Every port's last indication shows its final state.
+    const std::map<cuint32, cuint16> delivered = sink.states();
+    for (const switchsim::SwitchPort& port : sim.snapshot().ports) {
+      const cuint16 expected = port.info.operational_state == 1   ? kOk
+                               : port.info.operational_state == 2 ? kStopped
+                                                                  : kFaulty;
+      const auto found = delivered.find(port.info.port_index);
+      if (found == delivered.end() || found->second != expected) {
+        state.SkipWithError(("port " + port.info.name + " ends in a wrong state").c_str());
+        break;
+      }
+    }
+    state.counters["indications"] = static_cast<double>(sink.count());
+  }
+  events.terminateThread(false);
+  pipe.close();
+  sim.stop();
+}
+BENCHMARK(BM_StormOf10000PortEvents)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(2);
+
+}  // namespace
