@@ -13,7 +13,6 @@ const char* const kUnit = "common/backend/QRX_ZoneAliasInZone_Best";
 bool QRX_ZoneAliasInZone_Best::enumInstances(QRX_ZoneAliasInZone_Array& out) {
   std::vector<std::string> services;
   if (!zoning::serviceNames(kUnit, services)) return false;
-  ZoneDb& db = ZoneDb::getInstance();
   for (const std::string& service : services) {
     string_tA zones;
     if (!zoning::namesOf(kUnit, "get_zone_names", &ZoneDb::get_zone_names, service, zones)) {
@@ -21,10 +20,8 @@ bool QRX_ZoneAliasInZone_Best::enumInstances(QRX_ZoneAliasInZone_Array& out) {
     }
     for (const std::string& zone : zones) {
       string_tA aliases;
-      const int rc = db.get_zone_alias_names_in_zone(service, zone, aliases);
-      if (rc != 0) {
-        TRACE_ERROR(kUnit, "get_zone_alias_names_in_zone(%s, %s) failed with rc %d\n",
-                    service.c_str(), zone.c_str(), rc);
+      if (!zoning::listOf(kUnit, "get_zone_alias_names_in_zone",
+                          &ZoneDb::get_zone_alias_names_in_zone, service, zone, aliases)) {
         return false;
       }
       for (const std::string& alias : aliases) {

@@ -30,7 +30,6 @@ void addPair(const std::string& irService, const std::string& irZoneSet, const s
 bool QRX_ZoneInZoneSet_Best::enumInstances(QRX_ZoneInZoneSet_Array& out) {
   std::vector<std::string> services;
   if (!zoning::serviceNames(kUnit, services)) return false;
-  ZoneDb& db = ZoneDb::getInstance();
   for (const std::string& service : services) {
     string_tA zoneSets;
     if (!zoning::namesOf(kUnit, "get_zone_set_names", &ZoneDb::get_zone_set_names, service,
@@ -39,10 +38,8 @@ bool QRX_ZoneInZoneSet_Best::enumInstances(QRX_ZoneInZoneSet_Array& out) {
     }
     for (const std::string& zoneSet : zoneSets) {
       string_tA zones;
-      const int rc = db.get_zone_names_in_zone_set(service, zoneSet, zones);
-      if (rc != 0) {
-        TRACE_ERROR(kUnit, "get_zone_names_in_zone_set(%s, %s) failed with rc %d\n",
-                    service.c_str(), zoneSet.c_str(), rc);
+      if (!zoning::listOf(kUnit, "get_zone_names_in_zone_set", &ZoneDb::get_zone_names_in_zone_set,
+                          service, zoneSet, zones)) {
         return false;
       }
       for (const std::string& zone : zones) addPair(service, zoneSet, zone, false, out);

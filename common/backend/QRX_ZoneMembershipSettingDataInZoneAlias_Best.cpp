@@ -14,7 +14,6 @@ bool QRX_ZoneMembershipSettingDataInZoneAlias_Best::enumInstances(
     QRX_ZoneMembershipSettingDataInZoneAlias_Array& out) {
   std::vector<std::string> services;
   if (!zoning::serviceNames(kUnit, services)) return false;
-  ZoneDb& db = ZoneDb::getInstance();
   for (const std::string& service : services) {
     string_tA aliases;
     if (!zoning::namesOf(kUnit, "get_zone_alias_names", &ZoneDb::get_zone_alias_names, service,
@@ -23,10 +22,8 @@ bool QRX_ZoneMembershipSettingDataInZoneAlias_Best::enumInstances(
     }
     for (const std::string& alias : aliases) {
       zone_member_data_tA members;
-      const int rc = db.get_zone_members_in_zone_alias(service, alias, members);
-      if (rc != 0) {
-        TRACE_ERROR(kUnit, "get_zone_members_in_zone_alias(%s, %s) failed with rc %d\n",
-                    service.c_str(), alias.c_str(), rc);
+      if (!zoning::listOf(kUnit, "get_zone_members_in_zone_alias",
+                          &ZoneDb::get_zone_members_in_zone_alias, service, alias, members)) {
         return false;
       }
       QRX_ZoneMembershipSettingDataInZoneAlias pair;

@@ -44,10 +44,8 @@ bool QRX_ZoneMembershipSettingDataInZone_Best::enumInstances(
     }
     for (const std::string& zone : zones) {
       zone_member_data_tA members;
-      const int rc = db.get_zone_members_in_zone(service, zone, members);
-      if (rc != 0) {
-        TRACE_ERROR(kUnit, "get_zone_members_in_zone(%s, %s) failed with rc %d\n", service.c_str(),
-                    zone.c_str(), rc);
+      if (!zoning::listOf(kUnit, "get_zone_members_in_zone", &ZoneDb::get_zone_members_in_zone,
+                          service, zone, members)) {
         return false;
       }
       addPairs(service, zone, members, false, out);

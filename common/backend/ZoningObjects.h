@@ -20,6 +20,7 @@
 
 #include "common/backend/LocalZoneDb.h"
 #include "common/backend/ZoningHelper.h"
+#include "common/base/trace.h"
 #include "generated/smis_ipc/smis_ipc.h"
 
 namespace zoning {
@@ -63,6 +64,21 @@ zone_member_data_t memberOf(const ZoneEntityInstanceID& irMember);
 bool namesOf(const char* ipUnit, const char* ipQueryName,
              int (ZoneDb::*ipQuery)(const std::string&, string_tA&), const std::string& irService,
              string_tA& orNames);
+
+// What a ZoneDb query lists for one object `irName` of a service, or
+// false after "%s(%s, %s) failed with rc %d" (with `ipQueryName`).
+template <class ListT>
+bool listOf(const char* ipUnit, const char* ipQueryName,
+            int (ZoneDb::*ipQuery)(const std::string&, const std::string&, ListT&),
+            const std::string& irService, const std::string& irName, ListT& orList) {
+  const int rc = (ZoneDb::getInstance().*ipQuery)(irService, irName, orList);
+  if (rc != 0) {
+    TRACE_ERROR(ipUnit, "%s(%s, %s) failed with rc %d\n", ipQueryName, irService.c_str(),
+                irName.c_str(), rc);
+    return false;
+  }
+  return true;
+}
 
 // Whether `irNames` (sorted) holds `irName`.
 bool sortedHas(const std::vector<std::string>& irNames, const std::string& irName);
