@@ -2,32 +2,38 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <new>
 
 namespace cimhost {
 
 Registry::~Registry() { clear(); }
 
-void Registry::destroy(std::map<uint64_t, Entry>* iopEntries) {
-  for (auto& entry : *iopEntries) {
-    std::free(entry.second.block);
-    entry.second.object.reset();
+void Registry::destroy(std::vector<Entry>* iopEntries) {
+  for (Entry& entry : *iopEntries) {
+    std::free(entry.block);
+    entry.object.reset();
   }
   iopEntries->clear();
 }
 
-void Registry::addObject(std::unique_ptr<EncObject> ipObject) {
-  std::lock_guard<std::mutex> lock(ivMutex);
-  const void* key = ipObject->handle();
+// Sequence numbers only grow, so a new entry always goes to the end of the
+// map: the hint makes that constant time, whatever the registry holds.
+Registry::Entry& Registry::append(const void* ipKey) {
   const uint64_t seq = ivNextSeq++;
-  Entry& slot = ivEntries[seq];
+  auto slot = ivEntries.emplace_hint(ivEntries.end(), seq, Entry());
   try {
-    ivIndex.emplace(key, seq);
+    ivIndex.emplace(ipKey, seq);
   } catch (...) {
-    ivEntries.erase(seq);
+    ivEntries.erase(slot);
     throw;
   }
-  slot.object = std::move(ipObject);
+  return slot->second;
+}
+
+void Registry::addObject(std::unique_ptr<EncObject> ipObject) {
+  std::lock_guard<std::mutex> lock(ivMutex);
+  append(ipObject->handle()).object = std::move(ipObject);
 }
 
 bool Registry::releaseObject(const void* ipHandle) {
@@ -50,15 +56,7 @@ void* Registry::allocate(size_t ipSize, bool ipZero) {
   if (!block) return nullptr;
   try {
     std::lock_guard<std::mutex> lock(ivMutex);
-    const uint64_t seq = ivNextSeq++;
-    Entry& slot = ivEntries[seq];
-    try {
-      ivIndex.emplace(block, seq);
-    } catch (...) {
-      ivEntries.erase(seq);
-      throw;
-    }
-    slot.block = block;
+    append(block).block = block;
     ++ivBlockCount;
   } catch (...) {
     std::free(block);
@@ -108,9 +106,10 @@ const void* Registry::mark() {
   return key;
 }
 
-std::map<uint64_t, Registry::Entry> Registry::takeAfter(uint64_t ipSeq) {
-  std::map<uint64_t, Entry> taken;
+std::vector<Registry::Entry> Registry::takeAfter(uint64_t ipSeq) {
+  std::vector<Entry> taken;
   auto first = ivEntries.upper_bound(ipSeq);
+  taken.reserve(static_cast<size_t>(std::distance(first, ivEntries.end())));
   for (auto it = first; it != ivEntries.end(); ++it) {
     if (it->second.block) {
       ivIndex.erase(it->second.block);
@@ -118,14 +117,14 @@ std::map<uint64_t, Registry::Entry> Registry::takeAfter(uint64_t ipSeq) {
     } else {
       ivIndex.erase(it->second.object->handle());
     }
+    taken.push_back(std::move(it->second));
   }
-  taken.insert(std::make_move_iterator(first), std::make_move_iterator(ivEntries.end()));
   ivEntries.erase(first, ivEntries.end());
   return taken;
 }
 
 bool Registry::releaseMark(const void* ipMark) {
-  std::map<uint64_t, Entry> doomed;
+  std::vector<Entry> doomed;
   {
     std::lock_guard<std::mutex> lock(ivMutex);
     auto it = ivMarks.find(ipMark);
@@ -148,7 +147,7 @@ size_t Registry::blockCount() const {
 }
 
 void Registry::clear() {
-  std::map<uint64_t, Entry> doomed;
+  std::vector<Entry> doomed;
   {
     std::lock_guard<std::mutex> lock(ivMutex);
     doomed = takeAfter(0);

@@ -19,6 +19,7 @@
 #include <memory>
 #include <mutex>
 #include <unordered_map>
+#include <vector>
 
 #include "tools/cimhost/broker/EncObject.h"
 
@@ -68,11 +69,14 @@ class Registry {
     void* block = nullptr;
   };
 
-  // Moves the entries with a sequence number above `ipSeq` out of the map;
-  // the caller frees them after unlocking.
-  std::map<uint64_t, Entry> takeAfter(uint64_t ipSeq);
+  // A new last entry registered under `ipKey`. Called with the lock held.
+  Entry& append(const void* ipKey);
 
-  static void destroy(std::map<uint64_t, Entry>* iopEntries);
+  // Moves the entries with a sequence number above `ipSeq` out of the map,
+  // oldest first; the caller frees them after unlocking.
+  std::vector<Entry> takeAfter(uint64_t ipSeq);
+
+  static void destroy(std::vector<Entry>* iopEntries);
 
   mutable std::mutex ivMutex;
   uint64_t ivNextSeq = 1;

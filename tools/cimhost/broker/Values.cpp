@@ -227,16 +227,27 @@ CMPIData Value::data(CMPIValueState ipExtraState) const {
   return data;
 }
 
+namespace {
+
+// CIM names compare without regard to case. Names are ASCII, so names of
+// different lengths never match and the length check spares most of the
+// comparisons while an instance's properties are set one after another.
+bool sameName(const std::string& irA, const std::string& irB) {
+  return irA.size() == irB.size() && strcasecmp(irA.c_str(), irB.c_str()) == 0;
+}
+
+}  // namespace
+
 const Value* NamedValues::find(const std::string& irName) const {
   for (const auto& item : ivItems) {
-    if (strcasecmp(item.first.c_str(), irName.c_str()) == 0) return &item.second;
+    if (sameName(item.first, irName)) return &item.second;
   }
   return nullptr;
 }
 
 void NamedValues::set(const std::string& irName, Value ipValue) {
   for (auto& item : ivItems) {
-    if (strcasecmp(item.first.c_str(), irName.c_str()) == 0) {
+    if (sameName(item.first, irName)) {
       item.second = std::move(ipValue);
       return;
     }
@@ -246,7 +257,7 @@ void NamedValues::set(const std::string& irName, Value ipValue) {
 
 bool NamedValues::remove(const std::string& irName) {
   for (auto it = ivItems.begin(); it != ivItems.end(); ++it) {
-    if (strcasecmp(it->first.c_str(), irName.c_str()) == 0) {
+    if (sameName(it->first, irName)) {
       ivItems.erase(it);
       return true;
     }
