@@ -41,6 +41,20 @@ void CMPIPropertySerializer::storeBuilt(const char* name, unsigned int type, con
     return;
   }
   keep(store(name, &built, storedType));
+  releaseBuilt(&built, storedType);
+}
+
+// Setting a property copies its value, so the string, datetime or array
+// made for it is released at once rather than held by the broker until the
+// request ends: a large enumeration then keeps only what it returns.
+void CMPIPropertySerializer::releaseBuilt(CMPIValue* value, CMPIType storedType) {
+  if (storedType == CMPI_string && value->string != nullptr) {
+    CMRelease(value->string);
+  } else if (storedType == CMPI_dateTime && value->dateTime != nullptr) {
+    CMRelease(value->dateTime);
+  } else if ((storedType & CMPI_ARRAY) != 0 && value->array != nullptr) {
+    CMRelease(value->array);
+  }
 }
 
 // Scalars, strings, datetimes and arrays are stored with the type code they

@@ -68,6 +68,7 @@ class CMPIPropertySerializer : public SCIMSerializerIf {
   // Builds the value with a CMPIValueSerializer and stores it on success.
   template <typename T>
   void storeBuilt(const char* name, unsigned int type, const T& value, CMPIType storedType);
+  static void releaseBuilt(CMPIValue* value, CMPIType storedType);
   void keep(const CMPIStatus& status);
 };
 

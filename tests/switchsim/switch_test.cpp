@@ -8,6 +8,7 @@
 
 #include "tools/switchsim/SimulatedSwitch.h"
 #include "tools/switchsim/Status.h"
+#include "tools/switchsim/ZoningState.h"
 
 namespace {
 
@@ -123,6 +124,40 @@ TEST_F(SimulatedSwitchTest, DirectEditsCheckEveryRequest) {
   EXPECT_EQ(0, ivSwitch.activate_zone_set(ivService, "cfg_maintenance", 0));
   ASSERT_EQ(0, ivSwitch.get_active_zone_set(ivService, active));
   EXPECT_TRUE(active.name.empty() && active.zone_names.empty());
+}
+
+// A failing batch puts everything back where it stood, also what deletes
+// took out of the middle of lists and out of other objects; a batch that
+// succeeds ends as its operations applied one at a time would.
+TEST_F(SimulatedSwitchTest, FailedBatchRestoresOrderAfterDeletesAndRemovals) {
+  const ZoneConfig original = ivModel.zoning;
+  const zone_operation_tA edits = {
+      op(1, 241, "z_host1_array_a"),                  // first of both zone sets
+      op(1, 242, "a_array_a"),                        // named by three zones
+      op(3, 241, "z_backup", 3, "050000"),            // first member of two
+      op(3, 240, "cfg_production", 0, "z_vmhost_array_a"),
+      op(3, 242, "a_vmhost_npiv", 2, "28020e5b72000009"),
+      op(1, 240, "cfg_maintenance"),
+      op(0, 241, "z_new"),
+      op(2, 241, "z_new", 2, "21000e5b72000001"),
+      op(2, 240, "cfg_production", 0, "z_new"),
+      op(1, 241, "z_host10_array_b"),
+  };
+  zone_operation_tA failing = edits;
+  failing.push_back(op(2, 241, "z_missing", 2, "21000e5b72000002"));
+
+  ZoneEditor editor(ivModel.zoning, ivModel.zoneCapabilities);
+  std::size_t failedAt = 0;
+  EXPECT_EQ(kStatusNotFound, editor.applyAll(failing, &failedAt));
+  EXPECT_EQ(edits.size(), failedAt);
+  EXPECT_TRUE(ivModel.zoning == original);
+
+  ZoneConfig oneByOne = original;
+  ZoneEditor single(oneByOne, ivModel.zoneCapabilities);
+  for (const zone_operation_t& edit : edits) ASSERT_EQ(kStatusOk, single.apply(edit));
+  ASSERT_EQ(kStatusOk, editor.applyAll(edits, nullptr));
+  EXPECT_TRUE(ivModel.zoning == oneByOne);
+  EXPECT_FALSE(ivModel.zoning == original);
 }
 
 TEST_F(SimulatedSwitchTest, SessionsStageBatchesAllOrNothing) {

@@ -1,6 +1,8 @@
 #include "tools/switchsim/ZoningState.h"
 
 #include <algorithm>
+#include <cassert>
+#include <cstddef>
 #include <cctype>
 #include <cstdlib>
 #include <utility>
@@ -19,23 +21,22 @@ auto findNamed(List& irList, const std::string& irName) -> decltype(&irList[0]) 
   return nullptr;
 }
 
-template <typename List, typename T>
-bool eraseValue(List& irList, const T& irValue) {
-  auto found = std::find(irList.begin(), irList.end(), irValue);
-  if (found == irList.end()) return false;
-  irList.erase(found);
-  return true;
+const std::size_t kNone = static_cast<std::size_t>(-1);
+
+// The index of the object named `irName` in `irList`, or kNone.
+template <typename List>
+std::size_t indexOfNamed(const List& irList, const std::string& irName) {
+  for (std::size_t i = 0; i < irList.size(); ++i) {
+    if (irList[i].name == irName) return i;
+  }
+  return kNone;
 }
 
-template <typename List>
-bool eraseNamed(List& irList, const std::string& irName) {
-  for (auto it = irList.begin(); it != irList.end(); ++it) {
-    if (it->name == irName) {
-      irList.erase(it);
-      return true;
-    }
-  }
-  return false;
+// The index of the first entry equal to `irValue`, or kNone.
+template <typename List, typename T>
+std::size_t indexOfValue(const List& irList, const T& irValue) {
+  auto found = std::find(irList.begin(), irList.end(), irValue);
+  return found == irList.end() ? kNone : static_cast<std::size_t>(found - irList.begin());
 }
 
 bool isHex(const std::string& irText, std::size_t ipLength) {
@@ -120,6 +121,65 @@ std::uint32_t ZoneEditor::checkNewName(const std::string& irName, std::size_t ip
   return kStatusOk;
 }
 
+template <typename T>
+void ZoneEditor::append(Change::Where ipWhere, std::size_t ipOwner, std::vector<T>& irList,
+                        T ipValue) {
+  irList.push_back(std::move(ipValue));
+  if (ivpJournal == nullptr) return;
+  ivpJournal->emplace_back();
+  Change& change = ivpJournal->back();
+  change.where = ipWhere;
+  change.owner = ipOwner;
+}
+
+template <typename T>
+void ZoneEditor::erase(Change::Where ipWhere, std::size_t ipOwner, std::vector<T>& irList,
+                       std::size_t ipPosition, T Change::*ipSlot) {
+  if (ivpJournal != nullptr) {
+    ivpJournal->emplace_back();
+    Change& change = ivpJournal->back();
+    change.where = ipWhere;
+    change.appended = false;
+    change.owner = ipOwner;
+    change.position = ipPosition;
+    change.*ipSlot = std::move(irList[ipPosition]);
+  }
+  irList.erase(irList.begin() + static_cast<std::ptrdiff_t>(ipPosition));
+}
+
+namespace {
+
+template <typename T, typename Change>
+void reverse(std::vector<T>& irList, Change& irChange, T& irSaved) {
+  if (irChange.appended) {
+    irList.pop_back();
+  } else {
+    irList.insert(irList.begin() + static_cast<std::ptrdiff_t>(irChange.position),
+                  std::move(irSaved));
+  }
+}
+
+}  // namespace
+
+void ZoneEditor::undo(Change& irChange) {
+  switch (irChange.where) {
+    case Change::kZoneSets:
+      return reverse(ivrConfig.zoneSets, irChange, irChange.zoneSet);
+    case Change::kZones:
+      return reverse(ivrConfig.zones, irChange, irChange.zone);
+    case Change::kAliases:
+      return reverse(ivrConfig.aliases, irChange, irChange.alias);
+    case Change::kZoneSetZones:
+      return reverse(ivrConfig.zoneSets[irChange.owner].zone_names, irChange, irChange.name);
+    case Change::kZoneAliasNames:
+      return reverse(ivrConfig.zones[irChange.owner].alias_names, irChange, irChange.name);
+    case Change::kZoneMembers:
+      return reverse(ivrConfig.zones[irChange.owner].member_list, irChange, irChange.member);
+    case Change::kAliasMembers:
+      return reverse(ivrConfig.aliases[irChange.owner].member_list, irChange, irChange.member);
+  }
+}
+
 std::uint32_t ZoneEditor::createZoneSet(const std::string& irName) {
   const std::uint32_t status = checkNewName(irName, ivrConfig.zoneSets.size(),
                                             ivrLimits.MaxNumZoneSets,
@@ -127,7 +187,7 @@ std::uint32_t ZoneEditor::createZoneSet(const std::string& irName) {
   if (status != kStatusOk) return status;
   zoneset_t zoneSet;
   zoneSet.name = irName;
-  ivrConfig.zoneSets.push_back(std::move(zoneSet));
+  append(Change::kZoneSets, 0, ivrConfig.zoneSets, std::move(zoneSet));
   return kStatusOk;
 }
 
@@ -137,7 +197,7 @@ std::uint32_t ZoneEditor::createZone(const std::string& irName) {
   if (status != kStatusOk) return status;
   zone_t zone;
   zone.name = irName;
-  ivrConfig.zones.push_back(std::move(zone));
+  append(Change::kZones, 0, ivrConfig.zones, std::move(zone));
   return kStatusOk;
 }
 
@@ -148,106 +208,133 @@ std::uint32_t ZoneEditor::createAlias(const std::string& irName) {
   if (status != kStatusOk) return status;
   alias_t alias;
   alias.name = irName;
-  ivrConfig.aliases.push_back(std::move(alias));
+  append(Change::kAliases, 0, ivrConfig.aliases, std::move(alias));
   return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::deleteZoneSet(const std::string& irName) {
-  return eraseNamed(ivrConfig.zoneSets, irName) ? kStatusOk : kStatusNotFound;
+  const std::size_t index = indexOfNamed(ivrConfig.zoneSets, irName);
+  if (index == kNone) return kStatusNotFound;
+  erase(Change::kZoneSets, 0, ivrConfig.zoneSets, index, &Change::zoneSet);
+  return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::deleteZone(const std::string& irName) {
-  if (!eraseNamed(ivrConfig.zones, irName)) return kStatusNotFound;
-  for (zoneset_t& zoneSet : ivrConfig.zoneSets) eraseValue(zoneSet.zone_names, irName);
+  const std::size_t index = indexOfNamed(ivrConfig.zones, irName);
+  if (index == kNone) return kStatusNotFound;
+  erase(Change::kZones, 0, ivrConfig.zones, index, &Change::zone);
+  for (std::size_t set = 0; set < ivrConfig.zoneSets.size(); ++set) {
+    std::vector<std::string>& names = ivrConfig.zoneSets[set].zone_names;
+    const std::size_t position = indexOfValue(names, irName);
+    if (position != kNone) erase(Change::kZoneSetZones, set, names, position, &Change::name);
+  }
   return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::deleteAlias(const std::string& irName) {
-  if (!eraseNamed(ivrConfig.aliases, irName)) return kStatusNotFound;
-  for (zone_t& zone : ivrConfig.zones) eraseValue(zone.alias_names, irName);
+  const std::size_t index = indexOfNamed(ivrConfig.aliases, irName);
+  if (index == kNone) return kStatusNotFound;
+  erase(Change::kAliases, 0, ivrConfig.aliases, index, &Change::alias);
+  for (std::size_t zone = 0; zone < ivrConfig.zones.size(); ++zone) {
+    std::vector<std::string>& names = ivrConfig.zones[zone].alias_names;
+    const std::size_t position = indexOfValue(names, irName);
+    if (position != kNone) erase(Change::kZoneAliasNames, zone, names, position, &Change::name);
+  }
   return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::addZone(const std::string& irZoneSet, const std::string& irZone) {
-  zoneset_t* zoneSet = ivrConfig.findZoneSet(irZoneSet);
-  if (zoneSet == nullptr || ivrConfig.findZone(irZone) == nullptr) return kStatusNotFound;
-  std::vector<std::string>& names = zoneSet->zone_names;
-  if (std::find(names.begin(), names.end(), irZone) != names.end()) return kStatusAlreadyExists;
+  const std::size_t set = indexOfNamed(ivrConfig.zoneSets, irZoneSet);
+  if (set == kNone || ivrConfig.findZone(irZone) == nullptr) return kStatusNotFound;
+  std::vector<std::string>& names = ivrConfig.zoneSets[set].zone_names;
+  if (indexOfValue(names, irZone) != kNone) return kStatusAlreadyExists;
   if (names.size() >= ivrLimits.MaxNumZonesPerZoneSet) return kStatusLimitReached;
-  names.push_back(irZone);
+  append(Change::kZoneSetZones, set, names, irZone);
   return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::removeZone(const std::string& irZoneSet, const std::string& irZone) {
-  zoneset_t* zoneSet = ivrConfig.findZoneSet(irZoneSet);
-  if (zoneSet == nullptr) return kStatusNotFound;
-  return eraseValue(zoneSet->zone_names, irZone) ? kStatusOk : kStatusNotFound;
+  const std::size_t set = indexOfNamed(ivrConfig.zoneSets, irZoneSet);
+  if (set == kNone) return kStatusNotFound;
+  std::vector<std::string>& names = ivrConfig.zoneSets[set].zone_names;
+  const std::size_t position = indexOfValue(names, irZone);
+  if (position == kNone) return kStatusNotFound;
+  erase(Change::kZoneSetZones, set, names, position, &Change::name);
+  return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::addAlias(const std::string& irZone, const std::string& irAlias) {
-  zone_t* zone = ivrConfig.findZone(irZone);
-  if (zone == nullptr || ivrConfig.findAlias(irAlias) == nullptr) return kStatusNotFound;
-  std::vector<std::string>& names = zone->alias_names;
-  if (std::find(names.begin(), names.end(), irAlias) != names.end()) return kStatusAlreadyExists;
-  if (names.size() + zone->member_list.size() >= ivrLimits.MaxNumZoneMembers) {
+  const std::size_t index = indexOfNamed(ivrConfig.zones, irZone);
+  if (index == kNone || ivrConfig.findAlias(irAlias) == nullptr) return kStatusNotFound;
+  zone_t& zone = ivrConfig.zones[index];
+  if (indexOfValue(zone.alias_names, irAlias) != kNone) return kStatusAlreadyExists;
+  if (zone.alias_names.size() + zone.member_list.size() >= ivrLimits.MaxNumZoneMembers) {
     return kStatusLimitReached;
   }
-  names.push_back(irAlias);
+  append(Change::kZoneAliasNames, index, zone.alias_names, irAlias);
   return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::removeAlias(const std::string& irZone, const std::string& irAlias) {
-  zone_t* zone = ivrConfig.findZone(irZone);
-  if (zone == nullptr) return kStatusNotFound;
-  return eraseValue(zone->alias_names, irAlias) ? kStatusOk : kStatusNotFound;
+  const std::size_t index = indexOfNamed(ivrConfig.zones, irZone);
+  if (index == kNone) return kStatusNotFound;
+  std::vector<std::string>& names = ivrConfig.zones[index].alias_names;
+  const std::size_t position = indexOfValue(names, irAlias);
+  if (position == kNone) return kStatusNotFound;
+  erase(Change::kZoneAliasNames, index, names, position, &Change::name);
+  return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::addZoneMember(const std::string& irZone,
                                         const zone_member_data_t& irMember) {
-  zone_t* zone = ivrConfig.findZone(irZone);
-  if (zone == nullptr) return kStatusNotFound;
+  const std::size_t index = indexOfNamed(ivrConfig.zones, irZone);
+  if (index == kNone) return kStatusNotFound;
   const std::uint32_t status = checkMember(irMember);
   if (status != kStatusOk) return status;
-  zone_member_data_tA& members = zone->member_list;
-  if (std::find(members.begin(), members.end(), irMember) != members.end()) {
-    return kStatusAlreadyExists;
-  }
-  if (members.size() + zone->alias_names.size() >= ivrLimits.MaxNumZoneMembers) {
+  zone_t& zone = ivrConfig.zones[index];
+  if (indexOfValue(zone.member_list, irMember) != kNone) return kStatusAlreadyExists;
+  if (zone.member_list.size() + zone.alias_names.size() >= ivrLimits.MaxNumZoneMembers) {
     return kStatusLimitReached;
   }
-  members.push_back(irMember);
+  append(Change::kZoneMembers, index, zone.member_list, irMember);
   return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::removeZoneMember(const std::string& irZone,
                                            const zone_member_data_t& irMember) {
-  zone_t* zone = ivrConfig.findZone(irZone);
-  if (zone == nullptr) return kStatusNotFound;
+  const std::size_t index = indexOfNamed(ivrConfig.zones, irZone);
+  if (index == kNone) return kStatusNotFound;
   if (!isMemberType(irMember.member_type)) return kStatusBadMemberType;
-  return eraseValue(zone->member_list, irMember) ? kStatusOk : kStatusNotFound;
+  zone_member_data_tA& members = ivrConfig.zones[index].member_list;
+  const std::size_t position = indexOfValue(members, irMember);
+  if (position == kNone) return kStatusNotFound;
+  erase(Change::kZoneMembers, index, members, position, &Change::member);
+  return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::addAliasMember(const std::string& irAlias,
                                          const zone_member_data_t& irMember) {
-  alias_t* alias = ivrConfig.findAlias(irAlias);
-  if (alias == nullptr) return kStatusNotFound;
+  const std::size_t index = indexOfNamed(ivrConfig.aliases, irAlias);
+  if (index == kNone) return kStatusNotFound;
   const std::uint32_t status = checkMember(irMember);
   if (status != kStatusOk) return status;
-  zone_member_data_tA& members = alias->member_list;
-  if (std::find(members.begin(), members.end(), irMember) != members.end()) {
-    return kStatusAlreadyExists;
-  }
+  zone_member_data_tA& members = ivrConfig.aliases[index].member_list;
+  if (indexOfValue(members, irMember) != kNone) return kStatusAlreadyExists;
   if (members.size() >= ivrLimits.MaxNumZoneMembers) return kStatusLimitReached;
-  members.push_back(irMember);
+  append(Change::kAliasMembers, index, members, irMember);
   return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::removeAliasMember(const std::string& irAlias,
                                             const zone_member_data_t& irMember) {
-  alias_t* alias = ivrConfig.findAlias(irAlias);
-  if (alias == nullptr) return kStatusNotFound;
+  const std::size_t index = indexOfNamed(ivrConfig.aliases, irAlias);
+  if (index == kNone) return kStatusNotFound;
   if (!isMemberType(irMember.member_type)) return kStatusBadMemberType;
-  return eraseValue(alias->member_list, irMember) ? kStatusOk : kStatusNotFound;
+  zone_member_data_tA& members = ivrConfig.aliases[index].member_list;
+  const std::size_t position = indexOfValue(members, irMember);
+  if (position == kNone) return kStatusNotFound;
+  erase(Change::kAliasMembers, index, members, position, &Change::member);
+  return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::apply(const zone_operation_t& irOperation) {
@@ -277,16 +364,20 @@ std::uint32_t ZoneEditor::apply(const zone_operation_t& irOperation) {
 }
 
 std::uint32_t ZoneEditor::applyAll(const zone_operation_tA& irOperations, std::size_t* opFailed) {
-  ZoneConfig scratch = ivrConfig;
-  ZoneEditor editor(scratch, ivrLimits);
+  assert(ivpJournal == nullptr);
+  std::vector<Change> journal;
+  journal.reserve(irOperations.size());
+  ivpJournal = &journal;
   for (std::size_t i = 0; i < irOperations.size(); ++i) {
-    const std::uint32_t status = editor.apply(irOperations[i]);
+    const std::uint32_t status = apply(irOperations[i]);
     if (status != kStatusOk) {
+      for (auto change = journal.rbegin(); change != journal.rend(); ++change) undo(*change);
+      ivpJournal = nullptr;
       if (opFailed != nullptr) *opFailed = i;
       return status;
     }
   }
-  ivrConfig = std::move(scratch);
+  ivpJournal = nullptr;
   return kStatusOk;
 }
 

@@ -33,6 +33,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "generated/smis_ipc/smis_ipc.h"
 
@@ -95,11 +96,48 @@ class ZoneEditor {
   std::uint32_t applyAll(const zone_operation_tA& irOperations, std::size_t* opFailed);
 
  private:
+  // One change an edit made, with what it takes to reverse it. While
+  // applyAll runs a batch, the changes are kept and, when an operation
+  // fails, reversed newest first: a batch costs what it changes, not a copy
+  // of the configuration. Inner lists are named by their owner's index,
+  // since owners move when the outer lists grow.
+  struct Change {
+    enum Where : std::uint8_t {
+      kZoneSets,
+      kZones,
+      kAliases,
+      kZoneSetZones,     // zone_names of zoneSets[owner]
+      kZoneAliasNames,   // alias_names of zones[owner]
+      kZoneMembers,      // member_list of zones[owner]
+      kAliasMembers,     // member_list of aliases[owner]
+    };
+    Where where = kZoneSets;
+    bool appended = true;       // else an entry was erased at `position`
+    std::size_t owner = 0;
+    std::size_t position = 0;
+    // The erased entry, in the slot of its type.
+    std::string name;
+    zone_member_data_t member;
+    zoneset_t zoneSet;
+    zone_t zone;
+    alias_t alias;
+  };
+
   std::uint32_t checkNewName(const std::string& irName, std::size_t ipCount,
                              std::uint32_t ipLimit, bool ipExists) const;
 
+  // The edits' only ways to change the configuration: both journal the
+  // change while applyAll runs.
+  template <typename T>
+  void append(Change::Where ipWhere, std::size_t ipOwner, std::vector<T>& irList, T ipValue);
+  template <typename T>
+  void erase(Change::Where ipWhere, std::size_t ipOwner, std::vector<T>& irList,
+             std::size_t ipPosition, T Change::*ipSlot);
+  void undo(Change& irChange);
+
   ZoneConfig& ivrConfig;
   const zone_capabilities_data_t& ivrLimits;
+  std::vector<Change>* ivpJournal = nullptr;
 };
 
 // Checks a whole configuration by building it up with a ZoneEditor. On
