@@ -93,10 +93,22 @@ TEST_P(CmpiSerdes, ValuesArriveAsClientsSeeThem) {
   ASSERT_EQ(CMPI_string, refName.type);
   EXPECT_EQ(link.PartComponent.Name, CMGetCharPtr(refName.value.string));
 
-  // A datetime is its 25-character text; arrays keep order and type.
+  // A datetime is its 25-character text; arrays keep order and type. The
+  // strings, datetimes and arrays made for the properties are released once
+  // set; only the element strings of string arrays stay with the request.
   CMPIInstance* instance = newInstance("QRX_Switch");
+  const size_t liveBefore = ivBroker->liveObjects();
   CMPISerializer writer(broker(), instance);
   sw.serialize(writer);
+  size_t elementStrings = 0;
+  for (CMPICount i = 0; i < CMGetPropertyCount(instance, nullptr); ++i) {
+    CMPIData data = CMGetPropertyAt(instance, i, nullptr, nullptr);
+    if (data.type == CMPI_stringA && data.value.array != nullptr) {
+      elementStrings += CMGetArrayCount(data.value.array, nullptr);
+    }
+  }
+  EXPECT_LT(0u, elementStrings);
+  EXPECT_EQ(liveBefore + elementStrings, ivBroker->liveObjects());
   CMPIData installed = CMGetProperty(instance, "InstallDate", nullptr);
   ASSERT_EQ(CMPI_dateTime, installed.type);
   CMPIString* text = CMGetStringFormat(installed.value.dateTime, nullptr);
