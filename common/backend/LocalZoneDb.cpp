@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <utility>
 
 #include "common/backend/BackendStart.h"
 #include "common/base/trace.h"
@@ -765,7 +766,7 @@ int ZoneDb::commitChangesList(const std::string& irService, const char* ipListNa
   for (std::size_t at = 0; at < irOperations.size(); at += MAX_CHANGES_PER_CALL) {
     const std::size_t end = std::min(irOperations.size(), at + MAX_CHANGES_PER_CALL);
     zone_operation_tA batch(irOperations.begin() + at, irOperations.begin() + end);
-    const int rc = c->session_update(irService, batch);
+    const int rc = c->session_update(irService, std::move(batch));
     if (rc != 0) return rc;
   }
   return ZONEDB_RC_OK;
