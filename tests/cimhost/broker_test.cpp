@@ -142,6 +142,25 @@ TEST(BrokerMemoryTest, ReleaseMarksAndDestructionFreeWhatWasHandedOut) {
   EXPECT_EQ(CMPI_RC_ERR_INVALID_PARAMETER, rc.rc);
   CMRelease(rc.msg);
 
+  // An object made after a mark is the mark's, also when what was made
+  // just before the mark is released meanwhile, and also when an outer
+  // mark is released first.
+  CMPIString* before = broker.newString("before");
+  CMPIGcStat* third = mb->mft->mark(mb, nullptr);
+  CMRelease(before);
+  broker.newString("after");
+  CMPIGcStat* outerFirst = mb->mft->mark(mb, nullptr);
+  broker.newString("in both");
+  CMPIGcStat* innerLast = mb->mft->mark(mb, nullptr);
+  EXPECT_EQ(4u, broker.liveObjects());
+  EXPECT_EQ(CMPI_RC_OK, mb->mft->release(mb, outerFirst).rc);
+  EXPECT_EQ(3u, broker.liveObjects());
+  broker.newString("after the outer went");
+  EXPECT_EQ(CMPI_RC_OK, mb->mft->release(mb, innerLast).rc);
+  EXPECT_EQ(3u, broker.liveObjects());
+  EXPECT_EQ(CMPI_RC_OK, mb->mft->release(mb, third).rc);
+  EXPECT_EQ(2u, broker.liveObjects());
+
   // Broker memory.
   char* text = static_cast<char*>(mb->mft->cmpiMalloc(mb, 4));
   std::strcpy(text, "abc");

@@ -1,8 +1,9 @@
 #include "tools/cimhost/broker/Registry.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
+#include <cstddef>
 #include <new>
 
 namespace cimhost {
@@ -17,18 +18,39 @@ void Registry::destroy(std::vector<Entry>* iopEntries) {
   iopEntries->clear();
 }
 
-// Sequence numbers only grow, so a new entry always goes to the end of the
-// map: the hint makes that constant time, whatever the registry holds.
 Registry::Entry& Registry::append(const void* ipKey) {
-  const uint64_t seq = ivNextSeq++;
-  auto slot = ivEntries.emplace_hint(ivEntries.end(), seq, Entry());
+  if (ivEntries.empty()) ivFirstSeq = ivNextSeq;
+  // Numbers kept back for a mark become released slots.
+  while (ivFirstSeq + ivEntries.size() < ivNextSeq) ivEntries.emplace_back();
+  const uint64_t seq = ivNextSeq;
+  ivEntries.emplace_back();
   try {
     ivIndex.emplace(ipKey, seq);
   } catch (...) {
-    ivEntries.erase(slot);
+    ivEntries.pop_back();
     throw;
   }
-  return slot->second;
+  ++ivNextSeq;
+  return ivEntries.back();
+}
+
+namespace {
+
+template <class EntryT>
+bool isReleased(const EntryT& irEntry) {
+  return !irEntry.object && !irEntry.block;
+}
+
+}  // namespace
+
+void Registry::trim() {
+  while (!ivEntries.empty() && isReleased(ivEntries.back())) ivEntries.pop_back();
+  while (!ivEntries.empty() && isReleased(ivEntries.front())) {
+    ivEntries.pop_front();
+    ++ivFirstSeq;
+  }
+  const uint64_t lastMark = ivMarkSeqs.empty() ? 0 : *ivMarkSeqs.rbegin();
+  ivNextSeq = std::max(ivFirstSeq + ivEntries.size(), lastMark + 1);
 }
 
 void Registry::addObject(std::unique_ptr<EncObject> ipObject) {
@@ -42,11 +64,11 @@ bool Registry::releaseObject(const void* ipHandle) {
     std::lock_guard<std::mutex> lock(ivMutex);
     auto it = ivIndex.find(ipHandle);
     if (it == ivIndex.end()) return false;
-    auto entry = ivEntries.find(it->second);
-    if (!entry->second.object) return false;  // a block, not an object
-    doomed = std::move(entry->second.object);
-    ivEntries.erase(entry);
+    Entry& entry = at(it->second);
+    if (!entry.object) return false;  // a block, not an object
+    doomed = std::move(entry.object);
     ivIndex.erase(it);
+    trim();
   }
   return true;
 }
@@ -69,8 +91,8 @@ void* Registry::reallocate(void* ipBlock, size_t ipSize) {
   std::lock_guard<std::mutex> lock(ivMutex);
   auto it = ivIndex.find(ipBlock);
   if (it == ivIndex.end()) return nullptr;
-  auto entry = ivEntries.find(it->second);
-  if (!entry->second.block) return nullptr;  // an object, not a block
+  Entry& entry = at(it->second);
+  if (!entry.block) return nullptr;  // an object, not a block
   void* grown = std::realloc(ipBlock, ipSize ? ipSize : 1);
   if (!grown) return nullptr;
   // Re-keying the index node allocates nothing, so nothing can fail now
@@ -78,7 +100,7 @@ void* Registry::reallocate(void* ipBlock, size_t ipSize) {
   auto node = ivIndex.extract(it);
   node.key() = grown;
   ivIndex.insert(std::move(node));
-  entry->second.block = grown;
+  entry.block = grown;
   return grown;
 }
 
@@ -87,11 +109,12 @@ bool Registry::freeBlock(void* ipBlock) {
     std::lock_guard<std::mutex> lock(ivMutex);
     auto it = ivIndex.find(ipBlock);
     if (it == ivIndex.end()) return false;
-    auto entry = ivEntries.find(it->second);
-    if (!entry->second.block) return false;  // an object, not a block
-    ivEntries.erase(entry);
+    Entry& entry = at(it->second);
+    if (!entry.block) return false;  // an object, not a block
+    entry.block = nullptr;
     ivIndex.erase(it);
     --ivBlockCount;
+    trim();
   }
   std::free(ipBlock);
   return true;
@@ -100,26 +123,39 @@ bool Registry::freeBlock(void* ipBlock) {
 const void* Registry::mark() {
   std::lock_guard<std::mutex> lock(ivMutex);
   auto mark = std::make_unique<Mark>();
-  mark->seq = ivNextSeq - 1;
+  const uint64_t seq = ivNextSeq - 1;
+  mark->seq = seq;
   const void* key = mark.get();
-  ivMarks.emplace(key, std::move(mark));
+  auto counted = ivMarkSeqs.insert(seq);
+  try {
+    ivMarks.emplace(key, std::move(mark));
+  } catch (...) {
+    ivMarkSeqs.erase(counted);
+    throw;
+  }
   return key;
 }
 
 std::vector<Registry::Entry> Registry::takeAfter(uint64_t ipSeq) {
   std::vector<Entry> taken;
-  auto first = ivEntries.upper_bound(ipSeq);
-  taken.reserve(static_cast<size_t>(std::distance(first, ivEntries.end())));
-  for (auto it = first; it != ivEntries.end(); ++it) {
-    if (it->second.block) {
-      ivIndex.erase(it->second.block);
-      --ivBlockCount;
-    } else {
-      ivIndex.erase(it->second.object->handle());
+  const size_t first =
+      ipSeq >= ivFirstSeq ? static_cast<size_t>(ipSeq + 1 - ivFirstSeq) : static_cast<size_t>(0);
+  if (first < ivEntries.size()) {
+    const auto from = ivEntries.begin() + static_cast<std::ptrdiff_t>(first);
+    for (auto it = from; it != ivEntries.end(); ++it) {
+      if (it->block) {
+        ivIndex.erase(it->block);
+        --ivBlockCount;
+      } else if (it->object) {
+        ivIndex.erase(it->object->handle());
+      } else {
+        continue;  // released earlier
+      }
+      taken.push_back(std::move(*it));
     }
-    taken.push_back(std::move(it->second));
+    ivEntries.erase(from, ivEntries.end());
   }
-  ivEntries.erase(first, ivEntries.end());
+  trim();
   return taken;
 }
 
@@ -129,8 +165,10 @@ bool Registry::releaseMark(const void* ipMark) {
     std::lock_guard<std::mutex> lock(ivMutex);
     auto it = ivMarks.find(ipMark);
     if (it == ivMarks.end()) return false;
-    doomed = takeAfter(it->second->seq);
+    const uint64_t seq = it->second->seq;
+    ivMarkSeqs.erase(ivMarkSeqs.find(seq));
     ivMarks.erase(it);
+    doomed = takeAfter(seq);
   }
   destroy(&doomed);
   return true;
@@ -138,7 +176,7 @@ bool Registry::releaseMark(const void* ipMark) {
 
 size_t Registry::objectCount() const {
   std::lock_guard<std::mutex> lock(ivMutex);
-  return ivEntries.size() - ivBlockCount;
+  return ivIndex.size() - ivBlockCount;
 }
 
 size_t Registry::blockCount() const {
@@ -150,8 +188,9 @@ void Registry::clear() {
   std::vector<Entry> doomed;
   {
     std::lock_guard<std::mutex> lock(ivMutex);
-    doomed = takeAfter(0);
     ivMarks.clear();
+    ivMarkSeqs.clear();
+    doomed = takeAfter(0);
   }
   destroy(&doomed);
 }

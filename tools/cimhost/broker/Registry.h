@@ -9,13 +9,18 @@
 // a mark twice, or an entry that is not registered, is refused. The
 // destructor frees everything still registered, marks included.
 //
-// Objects are destroyed outside the registry's lock. Thread-safe.
+// Entries are kept in creation order; a released one leaves an empty slot
+// that goes as soon as no live entry follows it, so the usual patterns
+// (made and released at once, or freed by a mark) cost constant time per
+// entry whatever the registry holds. Objects are destroyed outside the
+// registry's lock. Thread-safe.
 #ifndef QRX_TOOLS_CIMHOST_BROKER_REGISTRY_H_
 #define QRX_TOOLS_CIMHOST_BROKER_REGISTRY_H_
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
+#include <deque>
+#include <set>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -66,27 +71,39 @@ class Registry {
  private:
   struct Entry {
     std::unique_ptr<EncObject> object;  // or
-    void* block = nullptr;
+    void* block = nullptr;              // or neither: a released slot
   };
 
-  // A new last entry registered under `ipKey`. Called with the lock held.
+  // A new entry registered under `ipKey`, with the next sequence number.
+  // Called with the lock held, like the helpers below.
   Entry& append(const void* ipKey);
 
-  // Moves the entries with a sequence number above `ipSeq` out of the map,
+  // The slot of sequence number `ipSeq` (which must be in the registry).
+  Entry& at(uint64_t ipSeq) { return ivEntries[static_cast<size_t>(ipSeq - ivFirstSeq)]; }
+
+  // Drops the released slots at both ends and lowers the next sequence
+  // number as far as the live marks allow.
+  void trim();
+
+  // Moves the live entries with a sequence number above `ipSeq` out,
   // oldest first; the caller frees them after unlocking.
   std::vector<Entry> takeAfter(uint64_t ipSeq);
 
   static void destroy(std::vector<Entry>* iopEntries);
 
   mutable std::mutex ivMutex;
+  // ivEntries[i] has sequence number ivFirstSeq + i. A number is never
+  // given out again while a live mark could tell it from a later one.
+  uint64_t ivFirstSeq = 1;
   uint64_t ivNextSeq = 1;
-  std::map<uint64_t, Entry> ivEntries;                // by sequence number
+  std::deque<Entry> ivEntries;
   std::unordered_map<const void*, uint64_t> ivIndex;  // key -> sequence number
   struct Mark {
     uint64_t seq;  // the last sequence number given out before the mark
   };
 
   std::unordered_map<const void*, std::unique_ptr<Mark>> ivMarks;  // by address
+  std::multiset<uint64_t> ivMarkSeqs;                               // their seq
   size_t ivBlockCount = 0;
 };
 
