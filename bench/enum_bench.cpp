@@ -1,8 +1,8 @@
 // enumerateInstances of QRX_SwitchFCPort through the provider glue, the
 // way an object manager asks: the provider library loaded with dlopen into
 // the in-process test broker, the simulated switch in the same process
-// with `--ports N` ports (default 24; the library starts once per process,
-// so each size is its own run).
+// with QRX_BENCH_PORTS ports (24 to 2,500, default 24; the library starts
+// once per process, so each size is its own run).
 //
 // The floor is the same broker creating the same instances directly: for
 // every instance the library returned once, a new path with its keys, a
@@ -13,7 +13,7 @@
 // Objects made in an iteration are released (mark/release) with the timer
 // stopped, as an object manager does at the end of a request.
 //
-//   enum_bench --ports 1024 [benchmark flags]
+//   QRX_BENCH_PORTS=1024 enum_bench [benchmark flags]
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
@@ -36,7 +36,6 @@ namespace {
 const char* const kNameSpace = "root/qrx";
 const char* const kClass = "QRX_SwitchFCPort";
 
-unsigned gPorts = 24;
 
 using Clock = std::chrono::steady_clock;
 
@@ -101,11 +100,17 @@ bool makeDirectly(cimhost::TestBroker& irBroker, const std::vector<Recipe>& irRe
 }
 
 void BM_EnumerateSwitchFCPorts(benchmark::State& state) {
+  const char* wanted = std::getenv("QRX_BENCH_PORTS");
+  const unsigned long ports = wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 24;
+  if (ports < 24 || ports > 2500) {
+    state.SkipWithError("QRX_BENCH_PORTS takes 24 to 2500");
+    return;
+  }
   const std::string prefix = "/qrxenumbench" + std::to_string(getpid());
   setenv("QRX_SMIS_QUEUE_PREFIX", prefix.c_str(), 1);
   const std::string trace = "/tmp/qrx-enum-bench-" + std::to_string(getpid()) + ".log";
   setenv("QRX_SMIS_TRACE_FILE", trace.c_str(), 0);
-  switchsim::Simulator sim(switchsim::FabricModel::builtIn(gPorts));
+  switchsim::Simulator sim(switchsim::FabricModel::builtIn(static_cast<unsigned>(ports)));
   std::string error;
   if (!sim.start(&error)) {
     state.SkipWithError(error.c_str());
@@ -135,9 +140,9 @@ void BM_EnumerateSwitchFCPorts(benchmark::State& state) {
   mi->ft->enumerateInstances(mi, context, first.result(), classPath, nullptr);
   std::vector<Recipe> recipes;
   for (const CMPIInstance* instance : first.instances()) recipes.push_back(recipeOf(instance));
-  if (recipes.size() != gPorts) {
+  if (recipes.size() != ports) {
     state.SkipWithError(("the library returned " + std::to_string(recipes.size()) + " ports, not " +
-                         std::to_string(gPorts)).c_str());
+                         std::to_string(ports)).c_str());
     return;
   }
 
@@ -152,14 +157,14 @@ void BM_EnumerateSwitchFCPorts(benchmark::State& state) {
       const auto start = Clock::now();
       const CMPIStatus rc = mi->ft->enumerateInstances(mi, context, result.result(), classPath, nullptr);
       library = secondsSince(start);
-      right = rc.rc == CMPI_RC_OK && result.instances().size() == gPorts;
+      right = rc.rc == CMPI_RC_OK && result.instances().size() == ports;
     }
     {
       cimhost::ResultRecorder result(broker);
       const auto start = Clock::now();
       right = makeDirectly(broker, recipes, result.result()) && right;
       floorSeconds += secondsSince(start);
-      right = right && result.instances().size() == gPorts;
+      right = right && result.instances().size() == ports;
     }
     cmpi->mft->release(cmpi, mark);
     librarySeconds += library;
@@ -171,12 +176,12 @@ void BM_EnumerateSwitchFCPorts(benchmark::State& state) {
   }
   const double runs = static_cast<double>(state.iterations());
   if (runs > 0 && floorSeconds > 0) {
-    state.counters["ports"] = gPorts;
+    state.counters["ports"] = static_cast<double>(ports);
     state.counters["library_ms"] = 1e3 * librarySeconds / runs;
     state.counters["floor_ms"] = 1e3 * floorSeconds / runs;
     state.counters["ratio"] = librarySeconds / floorSeconds;
-    state.counters["library_us_per_port"] = 1e6 * librarySeconds / runs / gPorts;
-    state.counters["floor_us_per_port"] = 1e6 * floorSeconds / runs / gPorts;
+    state.counters["library_us_per_port"] = 1e6 * librarySeconds / runs / ports;
+    state.counters["floor_us_per_port"] = 1e6 * floorSeconds / runs / ports;
   }
   library.cleanup();
   sim.stop();
@@ -185,26 +190,3 @@ void BM_EnumerateSwitchFCPorts(benchmark::State& state) {
 BENCHMARK(BM_EnumerateSwitchFCPorts)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  // --ports N is ours; everything else goes to the benchmark library.
-  std::vector<char*> rest;
-  for (int i = 0; i < argc; ++i) {
-    if (i > 0 && std::strcmp(argv[i], "--ports") == 0 && i + 1 < argc) {
-      const long ports = std::strtol(argv[++i], nullptr, 10);
-      if (ports < 1 || ports > 2500) {
-        std::fprintf(stderr, "enum_bench: --ports takes 1..2500\n");
-        return 2;
-      }
-      gPorts = static_cast<unsigned>(ports);
-      continue;
-    }
-    rest.push_back(argv[i]);
-  }
-  int count = static_cast<int>(rest.size());
-  benchmark::Initialize(&count, rest.data());
-  if (benchmark::ReportUnrecognizedArguments(count, rest.data())) return 2;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}
