@@ -25,8 +25,7 @@
 #include <vector>
 
 #include "cmpimacs.h"
-#include "tools/cimhost/ProviderLibrary.h"
-#include "tools/cimhost/broker/ClassHierarchy.h"
+#include "bench/LoadedLibrary.h"
 #include "tools/cimhost/broker/ResultRecorder.h"
 #include "tools/cimhost/broker/TestBroker.h"
 #include "tools/switchsim/Simulator.h"
@@ -116,21 +115,13 @@ void BM_EnumerateSwitchFCPorts(benchmark::State& state) {
     state.SkipWithError(error.c_str());
     return;
   }
-  cimhost::ClassHierarchy hierarchy;
-  for (const char* file : {QRX_BENCH_HIERARCHY_MOF, QRX_BENCH_VENDOR_MOF}) {
-    if (!hierarchy.loadMofFile(file, &error)) {
-      state.SkipWithError(error.c_str());
-      return;
-    }
-  }
-  cimhost::TestBroker broker(&hierarchy);
-  cimhost::ProviderLibrary library(broker);
-  CMPIInstanceMI* mi = nullptr;
-  if (!library.open(QRX_BENCH_LIBRARY, &error) ||
-      (mi = library.instanceMI(kClass, &error)) == nullptr) {
+  bench::LoadedLibrary loaded;
+  CMPIInstanceMI* mi = loaded.open(kClass, &error);
+  if (mi == nullptr) {
     state.SkipWithError(error.c_str());
     return;
   }
+  cimhost::TestBroker& broker = loaded.broker;
   const CMPIContext* context = broker.newContext(kNameSpace);
   const CMPIObjectPath* classPath = broker.newObjectPath(kNameSpace, kClass);
   const CMPIBroker* cmpi = broker.broker();
@@ -183,7 +174,7 @@ void BM_EnumerateSwitchFCPorts(benchmark::State& state) {
     state.counters["library_us_per_port"] = 1e6 * librarySeconds / runs / ports;
     state.counters["floor_us_per_port"] = 1e6 * floorSeconds / runs / ports;
   }
-  library.cleanup();
+  loaded.library.cleanup();
   sim.stop();
   std::remove(trace.c_str());
 }

@@ -30,8 +30,7 @@
 #include <vector>
 
 #include "cmpimacs.h"
-#include "tools/cimhost/ProviderLibrary.h"
-#include "tools/cimhost/broker/ClassHierarchy.h"
+#include "bench/LoadedLibrary.h"
 #include "tools/cimhost/broker/ResultRecorder.h"
 #include "tools/cimhost/broker/TestBroker.h"
 #include "tools/switchsim/Simulator.h"
@@ -168,21 +167,13 @@ void BM_IdleLibraryAndFirstEvent(benchmark::State& state) {
     return;
   }
   const switchsim::FabricModel model = switchsim::FabricModel::builtIn();
-  cimhost::ClassHierarchy hierarchy;
-  for (const char* file : {QRX_BENCH_HIERARCHY_MOF, QRX_BENCH_VENDOR_MOF}) {
-    if (!hierarchy.loadMofFile(file, &error)) {
-      state.SkipWithError(error.c_str());
-      return;
-    }
-  }
-  cimhost::TestBroker broker(&hierarchy);
-  cimhost::ProviderLibrary library(broker);
-  CMPIInstanceMI* mi = nullptr;
-  if (!library.open(QRX_BENCH_LIBRARY, &error) ||
-      (mi = library.instanceMI(kPortClass, &error)) == nullptr) {
+  bench::LoadedLibrary loaded;
+  CMPIInstanceMI* mi = loaded.open(kPortClass, &error);
+  if (mi == nullptr) {
     state.SkipWithError(error.c_str());
     return;
   }
+  cimhost::TestBroker& broker = loaded.broker;
   CMPIObjectPath* path = broker.newObjectPath(kNameSpace, kPortClass);
   CMAddKey(path, "SystemCreationClassName", "QRX_Switch", CMPI_chars);
   CMAddKey(path, "SystemName", model.switchInfo.name.c_str(), CMPI_chars);
@@ -237,7 +228,7 @@ void BM_IdleLibraryAndFirstEvent(benchmark::State& state) {
       state.counters["first_event_max_ms"] = longest;
     }
   }
-  library.cleanup();
+  loaded.library.cleanup();
   daemon.stop();
   std::remove(trace.c_str());
 }
