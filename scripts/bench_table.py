@@ -46,7 +46,7 @@ class Table:
     def ratio_row(self, figure, library, floor, unit, goal):
         ratio = library / floor if floor > 0 else float("inf")
         self.add(figure, "%.3g %s" % (library, unit), "%.3g %s" % (floor, unit),
-                 "%.2fx" % ratio, "<= %.2gx" % goal, "yes" if ratio <= goal else "NO")
+                 "%.3fx" % ratio, "<= %.2gx" % goal, "yes" if ratio <= goal else "NO")
 
     def show(self):
         head = ("Figure", "Library", "Floor", "Ratio", "Goal", "Met")
