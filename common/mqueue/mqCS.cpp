@@ -33,6 +33,19 @@ void pause10ms() {
   }
 }
 
+// Sleeps until `ipQueue` (-1: not connected, then the whole time) has
+// `ipEvents`, at most `ipMs` milliseconds.
+void waitOn(mqd_t ipQueue, short ipEvents, unsigned int ipMs) {
+  if (ipQueue == -1) {
+    const timespec pause = {static_cast<time_t>(ipMs / 1000),
+                            static_cast<long>(ipMs % 1000) * 1000000L};
+    nanosleep(&pause, nullptr);
+    return;
+  }
+  pollfd entry = {ipQueue, ipEvents, 0};
+  poll(&entry, 1, static_cast<int>(ipMs));
+}
+
 }  // namespace
 
 const char* queuePrefix() {
@@ -114,14 +127,7 @@ mqClient::Identity mqClient::identity() const {
 }
 
 void mqClient::waitReady(bool ipForSend, unsigned int ipMs) const {
-  if (!isConnected()) {
-    const timespec pause = {static_cast<time_t>(ipMs / 1000),
-                            static_cast<long>(ipMs % 1000) * 1000000L};
-    nanosleep(&pause, nullptr);
-    return;
-  }
-  pollfd entry = {ivMqDescriptor, static_cast<short>(ipForSend ? POLLOUT : POLLIN), 0};
-  poll(&entry, 1, static_cast<int>(ipMs));
+  waitOn(ivMqDescriptor, static_cast<short>(ipForSend ? POLLOUT : POLLIN), ipMs);
 }
 
 // ---------------------------------------------------------------------------
@@ -152,6 +158,8 @@ bool mqServer::connect(const std::string& irName, std::size_t ipMsgSize, std::ui
 int mqServer::recv(void* opBuffer, std::size_t ipLen) {
   return message_queue_receive(opBuffer, ipLen, ivMqDescriptor);
 }
+
+void mqServer::waitReadable(unsigned int ipMs) const { waitOn(ivMqDescriptor, POLLIN, ipMs); }
 
 void mqServer::close() {
   if (!isConnected()) return;

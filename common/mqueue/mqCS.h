@@ -106,6 +106,10 @@ class mqServer {
   bool connect(const std::string& irName, std::size_t ipMsgSize, std::uint32_t ipMaxMsg);
   // message_queue_receive() on the queue; never waits.
   int recv(void* opBuffer, std::size_t ipLen);
+  // Sleeps until the queue has a message to receive, at most `ipMs`
+  // milliseconds (all of them while not connected); returns early on a
+  // signal. Nothing is received.
+  void waitReadable(unsigned int ipMs) const;
   // Closes and removes the queue.
   void close();
 

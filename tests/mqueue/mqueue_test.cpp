@@ -162,6 +162,29 @@ TEST_F(MqTest, ServerCreatesAndRemovesTheEventQueue) {
   server.close();
   EXPECT_FALSE(exists(fcbb::kEventQueueName));
 
+  // Waiting for an event: the whole time on an empty queue (and while not
+  // connected), woken by a message, which stays to be received.
+  using Clock = std::chrono::steady_clock;
+  auto start = Clock::now();
+  fcbb::mqServer().waitReadable(30);
+  EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(30));
+  ASSERT_TRUE(server.connect(name, 8192, 10));
+  start = Clock::now();
+  server.waitReadable(30);
+  EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(29));
+  const mqd_t sender = mq_open(name.c_str(), O_WRONLY);
+  std::thread late([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    daemonSend(sender, Bytes{'e', 'v', '2'});
+  });
+  start = Clock::now();
+  server.waitReadable(10000);
+  EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(5000));
+  late.join();
+  EXPECT_EQ(3, server.recv(buffer, sizeof(buffer)));
+  mq_close(sender);
+  server.close();
+
   EXPECT_DEATH(fcbb::mqServer().connect(ivPrefix + "/bad", 8192, 10), "ivMqDescriptor>=0");
   EXPECT_TRUE(logged("ERROR: mq_maxmsg=10 mq_msgsize=8192\n"));
   EXPECT_TRUE(logged("ERROR: connect error " + ivPrefix + "/bad "));
