@@ -416,8 +416,10 @@ TEST(QrxCimTest, RunKeepsTheLibraryLoadedAcrossTheLinesOfAScript) {
   const std::string log = scratch("run.log");
   std::remove(log.c_str());
   // "run -" reads the script from standard input; --json applies to every line.
-  std::vector<std::string> args = {"-c", "exec \"$@\" < \"$SCRIPT\"", "sh",
-                                   cimhost_test::qrxCimPath(), "run", "-", "--json"};
+  std::vector<std::string> args = {"-c", "exec \"$@\" < \"$SCRIPT\"", "sh"};
+  const std::vector<std::string> cim = cimhost_test::builtProgramCommand(cimhost_test::qrxCimPath());
+  args.insert(args.end(), cim.begin(), cim.end());
+  args.insert(args.end(), {"run", "-", "--json"});
   const std::vector<std::string> options = echoOptions();
   args.insert(args.end(), options.begin(), options.end());
   const auto start = std::chrono::steady_clock::now();
