@@ -24,7 +24,7 @@ struct ToolRun {
 // path, then its arguments) with standard input from /dev/null. The
 // child's environment is this process's with each entry of `irEnv` set; an
 // empty value removes the variable. A program that cannot be started
-// exits 127 with the reason on err.
+// exits 127 with the reason on err (under an emulator, without it).
 ToolRun runCommand(const std::vector<std::string>& irCommand,
                    const std::map<std::string, std::string>& irEnv = {});
 
