@@ -9,6 +9,7 @@
 
 #include "common/base/Semaphore.h"
 #include "common/base/Time.h"
+#include "tests/support/Emulation.h"
 
 namespace {
 
@@ -116,6 +117,9 @@ class DeafThread : public Thread {
 };
 
 TEST(ThreadTest, CancelEndsRunAtItsCancellationPoints) {
+  if (!qrx_test::testEmulator().empty()) {
+    GTEST_SKIP() << qrx_test::kEmulatorCannotCancelBlockedThreads;
+  }
   BlockedThread blocked;
   ASSERT_TRUE(blocked.startThread());
   ASSERT_TRUE(blocked.ivEntered.timedWait(Time() + 10000));
@@ -186,12 +190,12 @@ void secondStart() {
 }
 
 TEST(ThreadDeathTest, SecondStartFailsAssertion) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  GTEST_FLAG_SET(death_test_style, qrx_test::threadsafeDeathTestStyle());
   EXPECT_DEATH(secondStart(), "Assertion `!ivPthread' failed");
 }
 
 TEST(ThreadDeathTest, SelfJoinWritesBacktraceAndFailsAssertion) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  GTEST_FLAG_SET(death_test_style, qrx_test::threadsafeDeathTestStyle());
   EXPECT_DEATH(selfJoin(),
                testing::Matcher<const std::string&>(new TenFramesThenAssertion));
 }

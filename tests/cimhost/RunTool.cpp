@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "tests/support/Emulation.h"
+
 extern char** environ;
 
 namespace cimhost_test {
@@ -62,9 +64,14 @@ void drain(int ipOut, int ipErr, ToolRun* opRun) {
 
 }  // namespace
 
-ToolRun runProgram(const std::string& irProgram, const std::vector<std::string>& irArgs,
+ToolRun runCommand(const std::vector<std::string>& irCommand,
                    const std::map<std::string, std::string>& irEnv) {
   ToolRun run;
+  if (irCommand.empty()) {
+    run.exitCode = 127;
+    run.err = "no program to start";
+    return run;
+  }
   int outPipe[2];
   int errPipe[2];
   if (pipe2(outPipe, O_CLOEXEC) != 0 || pipe2(errPipe, O_CLOEXEC) != 0) {
@@ -78,15 +85,14 @@ ToolRun runProgram(const std::string& irProgram, const std::vector<std::string>&
   posix_spawn_file_actions_adddup2(&actions, outPipe[1], 1);
   posix_spawn_file_actions_adddup2(&actions, errPipe[1], 2);
 
-  std::vector<std::string> argTexts{irProgram};
-  argTexts.insert(argTexts.end(), irArgs.begin(), irArgs.end());
+  std::vector<std::string> argTexts = irCommand;
   std::vector<std::string> envTexts = childEnvironment(irEnv);
   std::vector<char*> argv = pointers(argTexts);
   std::vector<char*> envp = pointers(envTexts);
 
   pid_t pid = -1;
   const int spawned =
-      posix_spawn(&pid, irProgram.c_str(), &actions, nullptr, argv.data(), envp.data());
+      posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
   posix_spawn_file_actions_destroy(&actions);
   close(outPipe[1]);
   close(errPipe[1]);
@@ -94,7 +100,7 @@ ToolRun runProgram(const std::string& irProgram, const std::vector<std::string>&
     close(outPipe[0]);
     close(errPipe[0]);
     run.exitCode = 127;
-    run.err = "cannot start " + irProgram + ": " + std::strerror(spawned);
+    run.err = "cannot start " + irCommand[0] + ": " + std::strerror(spawned);
     return run;
   }
   drain(outPipe[0], errPipe[0], &run);
@@ -106,11 +112,31 @@ ToolRun runProgram(const std::string& irProgram, const std::vector<std::string>&
   return run;
 }
 
+ToolRun runProgram(const std::string& irProgram, const std::vector<std::string>& irArgs,
+                   const std::map<std::string, std::string>& irEnv) {
+  std::vector<std::string> command{irProgram};
+  command.insert(command.end(), irArgs.begin(), irArgs.end());
+  return runCommand(command, irEnv);
+}
+
+std::vector<std::string> builtProgramCommand(const std::string& irProgram) {
+  std::vector<std::string> command = qrx_test::testEmulatorWords();
+  command.push_back(irProgram);
+  return command;
+}
+
+ToolRun runBuiltProgram(const std::string& irProgram, const std::vector<std::string>& irArgs,
+                        const std::map<std::string, std::string>& irEnv) {
+  std::vector<std::string> command = builtProgramCommand(irProgram);
+  command.insert(command.end(), irArgs.begin(), irArgs.end());
+  return runCommand(command, irEnv);
+}
+
 const char* qrxCimPath() { return QRX_CIM_TOOL; }
 
 ToolRun runQrxCim(const std::vector<std::string>& irArgs,
                   const std::map<std::string, std::string>& irEnv) {
-  return runProgram(QRX_CIM_TOOL, irArgs, irEnv);
+  return runBuiltProgram(QRX_CIM_TOOL, irArgs, irEnv);
 }
 
 }  // namespace cimhost_test

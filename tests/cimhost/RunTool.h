@@ -20,14 +20,28 @@ struct ToolRun {
   std::string err;
 };
 
-// Runs `irProgram` with `irArgs` and standard input from /dev/null. The
+// Runs the command `irCommand` (a program, looked up in PATH unless it is a
+// path, then its arguments) with standard input from /dev/null. The
 // child's environment is this process's with each entry of `irEnv` set; an
 // empty value removes the variable. A program that cannot be started
-// exits 127 with the reason on err.
+// exits 127 with the reason on err (under an emulator, without it).
+ToolRun runCommand(const std::vector<std::string>& irCommand,
+                   const std::map<std::string, std::string>& irEnv = {});
+
+// runCommand() of `irProgram` (a program of the host) with `irArgs`.
 ToolRun runProgram(const std::string& irProgram, const std::vector<std::string>& irArgs,
                    const std::map<std::string, std::string>& irEnv = {});
 
-// runProgram() on the build's qrx-cim.
+// The command that starts `irProgram`, a program this build made: the
+// program itself, or, when the tests run under an emulator
+// (tests/support/Emulation.h), the emulator running it.
+std::vector<std::string> builtProgramCommand(const std::string& irProgram);
+
+// runCommand() of builtProgramCommand(irProgram) with `irArgs`.
+ToolRun runBuiltProgram(const std::string& irProgram, const std::vector<std::string>& irArgs,
+                        const std::map<std::string, std::string>& irEnv = {});
+
+// runBuiltProgram() on the build's qrx-cim.
 ToolRun runQrxCim(const std::vector<std::string>& irArgs,
                   const std::map<std::string, std::string>& irEnv = {});
 

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <string>
@@ -416,8 +417,10 @@ TEST(QrxCimTest, RunKeepsTheLibraryLoadedAcrossTheLinesOfAScript) {
   const std::string log = scratch("run.log");
   std::remove(log.c_str());
   // "run -" reads the script from standard input; --json applies to every line.
-  std::vector<std::string> args = {"-c", "exec \"$@\" < \"$SCRIPT\"", "sh",
-                                   cimhost_test::qrxCimPath(), "run", "-", "--json"};
+  std::vector<std::string> args = {"-c", "exec \"$@\" < \"$SCRIPT\"", "sh"};
+  const std::vector<std::string> cim = cimhost_test::builtProgramCommand(cimhost_test::qrxCimPath());
+  args.insert(args.end(), cim.begin(), cim.end());
+  args.insert(args.end(), {"run", "-", "--json"});
   const std::vector<std::string> options = echoOptions();
   args.insert(args.end(), options.begin(), options.end());
   const auto start = std::chrono::steady_clock::now();
@@ -469,6 +472,46 @@ TEST(QrxCimTest, HelpShowsEveryCommandWithAnExample) {
   EXPECT_NE(std::string::npos, command.out.find("--property-list"));
   EXPECT_EQ(command.out, runQrxCim({"get-instance", "--help"}).out);
   EXPECT_EQ(2, runQrxCim({"help", "nope"}).exitCode);
+}
+
+}  // namespace
+
+namespace {
+
+// A cross build's tests start the build's programs through the emulator
+// that QRX_TEST_EMULATOR names: its words, then the program and its
+// arguments; without one, the program alone.
+TEST(RunToolTest, BuiltProgramsStartThroughTheTestEmulator) {
+  const char* outer = std::getenv("QRX_TEST_EMULATOR");
+  const std::string kept = outer ? outer : "";
+
+  setenv("QRX_TEST_EMULATOR", " env  QRX_RUN_TOOL_PROBE=through ", 1);
+  EXPECT_EQ((std::vector<std::string>{"env", "QRX_RUN_TOOL_PROBE=through", "/bin/sh"}),
+            cimhost_test::builtProgramCommand("/bin/sh"));
+  ToolRun run = cimhost_test::runBuiltProgram(
+      "/bin/sh", {"-c", "echo \"$QRX_RUN_TOOL_PROBE $0 $1\"", "zero", "one"});
+  EXPECT_EQ(0, run.exitCode) << run.err;
+  EXPECT_EQ("through zero one\n", run.out);
+
+  setenv("QRX_TEST_EMULATOR", "", 1);
+  EXPECT_EQ(std::vector<std::string>{"/bin/sh"}, cimhost_test::builtProgramCommand("/bin/sh"));
+  run = cimhost_test::runBuiltProgram("/bin/sh", {"-c", "echo \"[$QRX_RUN_TOOL_PROBE]\""});
+  EXPECT_EQ("[]\n", run.out);
+
+  setenv("QRX_TEST_EMULATOR", "no-such-emulator-program", 1);
+  run = cimhost_test::runBuiltProgram("/bin/sh", {"-c", "true"});
+  EXPECT_EQ(127, run.exitCode);
+  // (Under an emulator the spawning child is a copy of the process, which
+  // cannot hand the reason back: there the exit status alone tells.)
+  if (kept.empty()) {
+    EXPECT_NE(std::string::npos, run.err.find("cannot start no-such-emulator-program")) << run.err;
+  }
+
+  if (outer) {
+    setenv("QRX_TEST_EMULATOR", kept.c_str(), 1);
+  } else {
+    unsetenv("QRX_TEST_EMULATOR");
+  }
 }
 
 }  // namespace

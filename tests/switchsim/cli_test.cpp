@@ -24,27 +24,28 @@ extern char** environ;
 
 namespace {
 
-using cimhost_test::runProgram;
+using cimhost_test::runBuiltProgram;
 using cimhost_test::ToolRun;
 using namespace switchsim_test;
 
 const char kTool[] = QRX_SWITCHSIM_TOOL;
 
-ToolRun tool(const std::vector<std::string>& irArgs) { return runProgram(kTool, irArgs); }
+ToolRun tool(const std::vector<std::string>& irArgs) { return runBuiltProgram(kTool, irArgs); }
 
 // qrx-switchsim serving in a child process, with its output discarded;
 // stopped with SIGTERM at the latest when the test ends.
 struct ServingProgram {
-  explicit ServingProgram(std::vector<std::string> irArgs) {
-    irArgs.insert(irArgs.begin(), kTool);
+  explicit ServingProgram(const std::vector<std::string>& irArgs) {
+    std::vector<std::string> command = cimhost_test::builtProgramCommand(kTool);
+    command.insert(command.end(), irArgs.begin(), irArgs.end());
     std::vector<char*> argv;
-    for (std::string& arg : irArgs) argv.push_back(arg.data());
+    for (std::string& word : command) argv.push_back(word.data());
     argv.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    if (posix_spawn(&pid, kTool, &actions, nullptr, argv.data(), environ) != 0) pid = -1;
+    if (posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ) != 0) pid = -1;
     posix_spawn_file_actions_destroy(&actions);
   }
   ~ServingProgram() { stop(); }
