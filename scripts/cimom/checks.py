@@ -57,7 +57,10 @@ def canonical(text):
     """(class, sorted key values) of an object path text in either tool's
     form. Each key value is (role, class, key, value): role and class name
     the reference a key belongs to (empty for the path's own keys); names
-    are lower case, host and namespaces are dropped."""
+    are lower case, host and namespaces are dropped. A key with an empty
+    value is left out: an object manager may complete a path with every
+    key its class declares (OpenPegasus adds CIM_Location's PhysicalPosition
+    to QRX_Location, whose key is Name), empty where the provider has none."""
     m = CLASS_AND_KEY.search(text)
     if not m:
         return (text.rsplit(":", 1)[-1].strip().lower(), ())
@@ -91,7 +94,7 @@ def canonical(text):
             i = j
         while i < len(rest) and rest[i] in ", \n":
             i += 1
-    return (m.group(1).lower(), tuple(sorted(keys)))
+    return (m.group(1).lower(), tuple(sorted(k for k in keys if k[3] != "")))
 
 
 # --------------------------------------------------------------------------
