@@ -424,9 +424,14 @@ void CMPINamedDeserializer::read(const char* name, unsigned int type, SCIMSerdes
     ivStatus.msg = nullptr;
     return;
   }
-  CMPIObjPathDeserializer keys(data.value.ref);
-  value.deserialize(keys);
-  keep(&ivStatus, keys.getStatus());
+  keep(&ivStatus, readReferenced(data.value.ref, value));
+}
+
+CMPIStatus CMPINamedDeserializer::readReferenced(const CMPIObjectPath* ipPath,
+                                                 SCIMSerdesable& orValue) {
+  CMPIObjPathDeserializer keys(ipPath);
+  orValue.deserialize(keys);
+  return keys.getStatus();
 }
 
 SCIMSerdesable* CMPINamedDeserializer::newSerdesable(const std::string& className) {
@@ -457,4 +462,23 @@ CMPIObjPathDeserializer::CMPIObjPathDeserializer(const CMPIObjectPath* path) : i
 bool CMPIObjPathDeserializer::fetch(const char* name, CMPIData* data, CMPIStatus* rc) {
   *data = CMGetKey(ivPath, name, rc);
   return rc->rc == CMPI_RC_OK;
+}
+
+// ---------------------------------------------------------------------------
+// CMPIRequestPathDeserializer
+
+CMPIRequestPathDeserializer::CMPIRequestPathDeserializer(const CMPIObjectPath* path)
+    : CMPIObjPathDeserializer(path) {}
+
+bool CMPIRequestPathDeserializer::fetch(const char* name, CMPIData* data, CMPIStatus* rc) {
+  if (!CMPIObjPathDeserializer::fetch(name, data, rc)) return false;
+  if (data->state == CMPI_keyValue) data->state = 0;
+  return true;
+}
+
+CMPIStatus CMPIRequestPathDeserializer::readReferenced(const CMPIObjectPath* ipPath,
+                                                       SCIMSerdesable& orValue) {
+  CMPIRequestPathDeserializer keys(ipPath);
+  orValue.deserialize(keys);
+  return keys.getStatus();
 }

@@ -16,6 +16,11 @@
 // - Strings, datetimes, arrays, references and embedded instances are
 //   taken only when the state is exactly 0; a null or key-flagged value is
 //   skipped (the object-path reader logs "No good value!!!").
+// - Object managers differ in how they hand over the keys of a request's
+//   object path: sfcb with state 0, OpenPegasus with every key flagged
+//   CMPI_keyValue. CMPIRequestPathDeserializer, which the provider glue
+//   reads request paths with, takes a value flagged only as a key as the
+//   good value it is.
 // - A value whose CMPI type does not fit the target (a client sending a
 //   string for a number, say) is not read: the status becomes
 //   CMPI_RC_ERR_TYPE_MISMATCH with a message naming the property. Integers
@@ -106,6 +111,9 @@ class CMPINamedDeserializer : public SCIMDeserializerIf {
   virtual bool fetch(const char* name, CMPIData* data, CMPIStatus* rc) = 0;
   // Whether a value skipped for its state is logged ("No good value!!!").
   virtual bool logsSkippedValues() const = 0;
+  // Reads the key of a reference into `orValue`; the status of that read.
+  // By default with a CMPIObjPathDeserializer over `ipPath`.
+  virtual CMPIStatus readReferenced(const CMPIObjectPath* ipPath, SCIMSerdesable& orValue);
 
  private:
   template <typename T>
@@ -144,6 +152,19 @@ class CMPIObjPathDeserializer : public CMPINamedDeserializer {
 
  private:
   const CMPIObjectPath* ivPath;
+};
+
+// Reads the keys of an object path a request brings, as every object
+// manager delivers them: a value whose state is exactly CMPI_keyValue is
+// read as a good value (a flagged null stays null), also in the paths of
+// reference keys; otherwise as CMPIObjPathDeserializer.
+class CMPIRequestPathDeserializer : public CMPIObjPathDeserializer {
+ public:
+  explicit CMPIRequestPathDeserializer(const CMPIObjectPath* path);
+
+ protected:
+  bool fetch(const char* name, CMPIData* data, CMPIStatus* rc) override;
+  CMPIStatus readReferenced(const CMPIObjectPath* ipPath, SCIMSerdesable& orValue) override;
 };
 
 #endif  // QRX_PROVIDER_CMPIDESERIALIZER_H_

@@ -57,10 +57,11 @@ CMPIObjectPath* makeKeyedObjPath(const CMPIBroker* ipBroker, const CMPIObjectPat
 // class (makeObjPath, which needs the class name, is the provider's own).
 template <class ClassT, class KeyT>
 struct ProviderBase {
-  // Reads the key properties of `ipOp` into `orKey`; the reader's status
-  // ends in `opRc`.
+  // Reads the key properties of `ipOp` into `orKey` (keys flagged
+  // CMPI_keyValue or not, as the object manager delivers them); the
+  // reader's status ends in `opRc`.
   static void getKeyFromObjPath(const CMPIObjectPath* ipOp, KeyT& orKey, CMPIStatus* opRc) {
-    CMPIObjPathDeserializer deserializer(ipOp);
+    CMPIRequestPathDeserializer deserializer(ipOp);
     orKey.deserialize(deserializer);
     *opRc = deserializer.getStatus();
   }
@@ -372,7 +373,7 @@ bool readMethodRefArg(const CMPIArgs* ipIn, const char* ipName, KeyT& orKey, CMP
     opRc->msg = nullptr;
     return false;
   }
-  CMPIObjPathDeserializer reader(data.value.ref);
+  CMPIRequestPathDeserializer reader(data.value.ref);
   orKey.deserialize(reader);
   *opRc = reader.getStatus();
   return opRc->rc == CMPI_RC_OK;

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <deque>
 #include <string>
 
 #include "cmpimacs.h"
@@ -158,20 +159,31 @@ TEST_P(CmpiSerdes, ValuesArriveAsClientsSeeThem) {
 
 // An object path whose keys the object manager flags as key values.
 struct KeyFlaggingPath {
-  explicit KeyFlaggingPath(CMPIObjectPath* path) : ft(*path->ft), wrapped{path->hdl, &ft} {
+  explicit KeyFlaggingPath(CMPIObjectPath* path) : wrapped{path->hdl, &ft} {
     original = path->ft;
-    ft.getKey = [](const CMPIObjectPath* op, const char* name, CMPIStatus* rc) {
-      CMPIObjectPath inner = {op->hdl, const_cast<CMPIObjectPathFT*>(original)};
-      CMPIData data = inner.ft->getKey(&inner, name, rc);
-      data.state = CMPI_keyValue;
-      return data;
-    };
+    ft = *path->ft;
+    ft.getKey = flaggedKey;
+  }
+  // Every key flagged CMPI_keyValue, as OpenPegasus hands them over; the
+  // paths of reference keys flag theirs too.
+  static CMPIData flaggedKey(const CMPIObjectPath* op, const char* name, CMPIStatus* rc) {
+    CMPIObjectPath inner = {op->hdl, const_cast<CMPIObjectPathFT*>(original)};
+    CMPIData data = inner.ft->getKey(&inner, name, rc);
+    if (data.type == CMPI_ref && data.value.ref != nullptr) {
+      nested.push_back({data.value.ref->hdl, &ft});
+      data.value.ref = &nested.back();
+    }
+    data.state |= CMPI_keyValue;
+    return data;
   }
   static const CMPIObjectPathFT* original;
-  CMPIObjectPathFT ft;
+  static CMPIObjectPathFT ft;
+  static std::deque<CMPIObjectPath> nested;
   CMPIObjectPath wrapped;
 };
 const CMPIObjectPathFT* KeyFlaggingPath::original = nullptr;
+CMPIObjectPathFT KeyFlaggingPath::ft;
+std::deque<CMPIObjectPath> KeyFlaggingPath::nested;
 
 TEST_P(CmpiSerdes, ValueStatesDecideWhatIsRead) {
   // Scalars are read from good, null and key-flagged values; strings only
@@ -212,6 +224,42 @@ TEST_P(CmpiSerdes, ValueStatesDecideWhatIsRead) {
   EXPECT_FALSE(reader.hasError());
   EXPECT_TRUE(readKey.Name.empty());
   EXPECT_NE(std::string::npos, traced().find("ERROR: No good value!!!\n"));
+}
+
+TEST_P(CmpiSerdes, RequestPathsAreReadWithKeysFlaggedOrNot) {
+  // The glue's reader takes keys flagged CMPI_keyValue, also those of the
+  // paths of reference keys; a flagged null stays unread.
+  QRX_SwitchInFabric_Key link;
+  fillModel(link);
+  CMPIObjectPath* path = ivBroker->newObjectPath("root/qrx", "QRX_SwitchInFabric");
+  CMPIObjPathSerializer writer(broker(), path);
+  link.serialize(writer);
+  ASSERT_FALSE(writer.hasError());
+  for (bool flagged : {false, true}) {
+    SCOPED_TRACE(flagged ? "flagged" : "plain");
+    KeyFlaggingPath flagging(path);
+    QRX_SwitchInFabric_Key copy;
+    CMPIRequestPathDeserializer reader(flagged ? &flagging.wrapped : path);
+    copy.deserialize(reader);
+    EXPECT_FALSE(reader.hasError());
+    EXPECT_EQ(modelText(link), modelText(copy));
+    EXPECT_FALSE(copy.PartComponent.Name.empty());
+  }
+  EXPECT_EQ(std::string::npos, traced().find("No good value"));
+
+  CMPIObjectPath* partial = ivBroker->newObjectPath("root/qrx", "QRX_Switch");
+  CMPIValue value;
+  value.string = ivBroker->newString("QRX_Switch");
+  CMAddKey(partial, "CreationClassName", &value, CMPI_string);
+  value.string = nullptr;
+  CMAddKey(partial, "Name", &value, CMPI_string);
+  KeyFlaggingPath flagging(partial);
+  QRX_Switch_Key key;
+  key.Name = "kept";
+  CMPIRequestPathDeserializer reader(&flagging.wrapped);
+  key.deserialize(reader);
+  EXPECT_EQ("QRX_Switch", key.CreationClassName);
+  EXPECT_EQ("kept", key.Name);
 }
 
 TEST_P(CmpiSerdes, FailuresAreKeptInTheStatusAndLeaveTargetsAlone) {

@@ -1,18 +1,26 @@
 #!/usr/bin/env python3
 """The checks of scripts/test-cimom (Python 3, standard library only).
 
-  cimom_checks.py expect --cim QRX-CIM --reg REG --out FILE
+  checks.py expect --cim QRX-CIM --reg REG --out FILE
       what qrx-cim gets from the library for every registered class: the
       object paths of every class in every namespace, and for the first
       instance of every association each end's associators and references;
       also the time of `qrx-cim ei QRX_SwitchFCPort`.
-  cimom_checks.py check --url URL --expect FILE --sim QRX-SWITCHSIM --lib LIB
-                        --sfcbd-pid PID --trace FILE --deb PACKAGE
+  checks.py check --name NAME --url URL --interop NAMESPACE --expect FILE
+                        --sim QRX-SWITCHSIM --lib LIB --trace FILE --deb PACKAGE
+                        --results FILE
       the same asked of the object manager with wbemcli (every command under
       `timeout`), a zoning session through extrinsic methods, the debug
-      facility in root/interop, a provider process restart, the Debian
-      package's contents; prints the table
-      of what it checked and exits 1 when anything disagreed.
+      facility in root/interop, a provider process restart, an indication
+      subscription made in the object manager's interop NAMESPACE, the
+      Debian package's contents; writes the rows of what it checked to the
+      results file.
+  checks.py unchecked --name NAME --result SKIPPED|FAILED --reason TEXT --results FILE
+      the results of an object manager whose checks could not run: skipped
+      (its sources are absent) or failed (it could not be built or started).
+  checks.py table RESULTS...
+      prints one table, a column per object manager, and the details of
+      each; exits 1 when any check failed.
 
 Object paths are compared by class and key values, ignoring host and
 namespace (references included, recursively) and the case of names.
@@ -49,7 +57,10 @@ def canonical(text):
     """(class, sorted key values) of an object path text in either tool's
     form. Each key value is (role, class, key, value): role and class name
     the reference a key belongs to (empty for the path's own keys); names
-    are lower case, host and namespaces are dropped."""
+    are lower case, host and namespaces are dropped. A key with an empty
+    value is left out: an object manager may complete a path with every
+    key its class declares (OpenPegasus adds CIM_Location's PhysicalPosition
+    to QRX_Location, whose key is Name), empty where the provider has none."""
     m = CLASS_AND_KEY.search(text)
     if not m:
         return (text.rsplit(":", 1)[-1].strip().lower(), ())
@@ -83,26 +94,48 @@ def canonical(text):
             i = j
         while i < len(rest) and rest[i] in ", \n":
             i += 1
-    return (m.group(1).lower(), tuple(sorted(keys)))
+    return (m.group(1).lower(), tuple(sorted(k for k in keys if k[3] != "")))
 
 
 # --------------------------------------------------------------------------
 # Registration
 
+# PG_ProviderCapabilities.ProviderType values.
+PROVIDER_TYPES = {"2": "instance", "3": "association", "4": "indication", "5": "method"}
+
+
 def registrations(reg):
-    """[(class, [kinds], [namespaces])] of an sfcb registration file."""
-    out, current = [], None
+    """[(class, [kinds], [namespaces])] of a provider registration: an sfcb
+    registration file (.reg) or an OpenPegasus registration MOF (.mof)."""
     with open(reg) as f:
-        for line in f:
-            line = line.strip()
-            if line.startswith("[") and line.endswith("]"):
-                current = [line[1:-1], [], []]
-                out.append(current)
-            elif current and line.startswith("type:"):
-                current[1] = line.split(":", 1)[1].split()
-            elif current and line.startswith("namespace:"):
-                current[2] += line.split(":", 1)[1].split()
+        text = f.read()
+    if reg.endswith(".mof"):
+        return pegasus_registrations(text)
+    out, current = [], None
+    for line in text.splitlines():
+        line = line.strip()
+        if line.startswith("[") and line.endswith("]"):
+            current = [line[1:-1], [], []]
+            out.append(current)
+        elif current and line.startswith("type:"):
+            current[1] = line.split(":", 1)[1].split()
+        elif current and line.startswith("namespace:"):
+            current[2] += line.split(":", 1)[1].split()
     return [tuple(r) for r in out]
+
+
+def pegasus_registrations(text):
+    """The capabilities of a PG_ProviderCapabilities MOF, in the order of
+    an sfcb registration's types (instance, association, method,
+    indication)."""
+    out = []
+    for body in re.findall(r"instance of PG_ProviderCapabilities\s*\{(.*?)\n\};", text, re.S):
+        values = dict(re.findall(r"(\w+)\s*=\s*([^;]*);", body))
+        kinds = [PROVIDER_TYPES[t] for t in re.findall(r"\d+", values.get("ProviderType", ""))]
+        order = ["instance", "association", "method", "indication"]
+        out.append((values["ClassName"].strip().strip('"'), sorted(kinds, key=order.index),
+                    re.findall(r'"([^"]*)"', values.get("Namespaces", ""))))
+    return out
 
 
 # --------------------------------------------------------------------------
@@ -206,26 +239,60 @@ class Client:
 
 
 class Table:
-    def __init__(self):
-        self.rows, self.failed = [], 0
+    """The rows one object manager's checks produced; or, for one whose
+    checks could not run, the result and reason that stand for all."""
+
+    def __init__(self, name):
+        self.name, self.rows, self.unchecked = name, [], None
 
     def add(self, what, ok, detail):
         self.rows.append((what, "ok" if ok is True else ("SKIPPED" if ok is None else "FAILED"),
                           detail))
-        if ok is False:
-            self.failed += 1
 
-    def print(self):
-        width = max(len(r[0]) for r in self.rows)
-        print("\n%-*s  %-7s  %s" % (width, "Check", "Result", "Details"))
-        for what, result, detail in self.rows:
-            print("%-*s  %-7s  %s" % (width, what, result, detail))
-        print("\n%d checks, %d failed" % (len(self.rows), self.failed))
+    def save(self, path):
+        with open(path, "w") as f:
+            json.dump({"name": self.name, "rows": self.rows, "unchecked": self.unchecked}, f)
 
 
-def wait_for_broker(client):
+def print_table(paths):
+    """One table of the results files, a column per object manager (the
+    result of one whose checks could not run all the way down), then each
+    one's details. The number of failures."""
+    tables = []
+    for path in paths:
+        with open(path) as f:
+            tables.append(json.load(f))
+    checks = []
+    for t in tables:
+        checks += [r[0] for r in t["rows"] if r[0] not in checks]
+    cells = [{r[0]: r for r in t["rows"]} for t in tables]
+    width = max([len(c) for c in checks] + [len("Check")])
+    heads = [max(len(t["name"]), 7) for t in tables]
+    print("\n%-*s  %s" % (width, "Check", "  ".join("%-*s" % (w, t["name"])
+                                                     for w, t in zip(heads, tables))))
+    failed = sum(1 for t in tables if t["unchecked"] and t["unchecked"][0] == "FAILED")
+    for check in checks:
+        results = []
+        for t, c in zip(tables, cells):
+            result = t["unchecked"][0] if t["unchecked"] else (c[check][1] if check in c else "-")
+            failed += result == "FAILED" and not t["unchecked"]
+            results.append(result)
+        print("%-*s  %s" % (width, check, "  ".join("%-*s" % (w, r)
+                                                    for w, r in zip(heads, results))))
+    for t, c in zip(tables, cells):
+        print("\n%s:" % t["name"])
+        if t["unchecked"]:
+            print("  %s: %s" % tuple(t["unchecked"]))
+        for check in checks:
+            if check in c:
+                print("  %-*s  %s" % (width, check, c[check][2]))
+    print("\n%d checks x %d object managers, %d failed" % (len(checks), len(tables), failed))
+    return failed
+
+
+def wait_for_broker(client, interop):
     for _ in range(300):
-        code, _, _ = client.run("ecn", "root/interop", "CIM_ManagedElement")
+        code, _, _ = client.run("ecn", interop, "CIM_ManagedElement")
         if code == 0:
             return True
         time.sleep(0.1)
@@ -294,7 +361,7 @@ def check_classes(client, exp, table):
 def check_associations(client, exp, table):
     """Both ends of the first instance of every association class. Where
     the library asks the broker (the profiles' conforming elements include
-    the object manager), sfcb's CIM_ObjectManager is the one extra answer."""
+    the object manager), its CIM_ObjectManager is the one extra answer."""
     walked, problems, broker_answers = 0, [], 0
     for a in exp["associations"]:
         src, c, ns = a["source"], a["class"], a["namespace"]
@@ -314,7 +381,7 @@ def check_associations(client, exp, table):
     classes = len({a["class"] for a in exp["associations"]})
     table.add("ain, rin: both ends of every association", not problems,
               "; ".join(problems[:3]) or "%d requests over %d association classes "
-              "(plus %d CIM_ObjectManager from sfcb)" % (walked, classes, broker_answers))
+              "(plus %d CIM_ObjectManager from the object manager)" % (walked, classes, broker_answers))
     # The instance forms, from the switch.
     switch = exp["paths"].get("QRX_Switch root/qrx", [None])[0]
     fabric = exp["paths"].get("QRX_Fabric root/qrx", [None])[0]
@@ -391,17 +458,17 @@ def check_debug(client, trace, table):
               if good else "LogFilePath %s; cm: %s" % (path, (out.strip() or err2)[:60]))
 
 
-def provider_processes(sfcbd_pid, lib):
-    """Processes of sfcbd's group that have the library mapped."""
-    found = []
+def provider_processes(lib):
+    """Processes that have the library mapped: the library is installed
+    under a path of this run's own, so they are this run's object
+    manager's provider processes."""
+    found, lib = [], os.path.realpath(lib)
     for pid in os.listdir("/proc"):
         if not pid.isdigit():
             continue
         try:
-            if os.getpgid(int(pid)) != sfcbd_pid:
-                continue
             with open("/proc/%s/maps" % pid) as f:
-                if os.path.basename(lib) in f.read():
+                if lib in f.read():
                     found.append(int(pid))
         except (OSError, ProcessLookupError):
             pass
@@ -415,7 +482,7 @@ def loaded_lines(trace):
 
 
 def check_restart(client, exp, args, table):
-    before = provider_processes(args.sfcbd_pid, args.lib)
+    before = provider_processes(args.lib)
     loaded = loaded_lines(args.trace)
     for pid in before:
         os.kill(pid, signal.SIGKILL)
@@ -427,7 +494,7 @@ def check_restart(client, exp, args, table):
         if ok and got:
             break
         time.sleep(1)
-    after = provider_processes(args.sfcbd_pid, args.lib)
+    after = provider_processes(args.lib)
     again = loaded_lines(args.trace) - loaded
     good = (bool(before) and ok and same(want, got) and bool(after) and
             not set(after) & set(before) and again == 1)
@@ -439,7 +506,8 @@ def check_restart(client, exp, args, table):
 
 
 def check_cmpi2_slots(table):
-    """The CMPI 2.0 additions that sfcb leaves NULL are never called."""
+    """The CMPI 2.0 additions an object manager may leave NULL (sfcb 1.3.11
+    does) are never called."""
     root = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
     names = re.compile(r"\b(mft|newCMPIError|openMessageFile|closeMessageFile|getMessage2|"
                        r"returnError|setPropertyWithOrigin|CMNewCMPIError|CMOpenMessageFile|"
@@ -454,16 +522,17 @@ def check_cmpi2_slots(table):
                         for n, line in enumerate(f, 1):
                             if names.search(line):
                                 uses.append("%s:%d" % (os.path.relpath(f.name, root), n))
-    table.add("CMPI 2.0 slots sfcb leaves NULL: never called", not uses,
+    table.add("CMPI 2.0 slots a broker may leave NULL: never called", not uses,
               ", ".join(uses[:3]) or "no use in the providers, glue generator or backends")
 
 
 def check_key_states(trace, table):
-    """Keys as sfcb hands them to the providers are read: the object-path
+    """Keys as the object manager hands them to the providers (flagged as
+    keys or not) are read: the object-path
     reader logs "No good value!!!" for a key it skipped."""
     with open(trace, errors="replace") as f:
         skipped = sum(1 for line in f if "No good value" in line)
-    table.add("keys as sfcb delivers them are read (gi, ain, rin, cm)", skipped == 0,
+    table.add("keys as the broker delivers them are read (gi, ain, rin, cm)", skipped == 0,
               "no key skipped by the path reader" if skipped == 0
               else '%d "No good value" lines in the trace' % skipped)
 
@@ -512,13 +581,26 @@ class Listener(threading.Thread):
         self.server.serve_forever()
 
 
+# Query languages of a CQL filter: the name DMTF gives it and the short
+# one; the filter is made with the first the object manager accepts.
+QUERY_LANGUAGES = ("DMTF:CQL", "CQL")
+
+
+def created_path(out):
+    """The object path wbemcli ci printed, from its class name on."""
+    for line in out.splitlines():
+        m = CLASS_AND_KEY.search(line)
+        if m:
+            return line[m.start():].strip()
+    return None
+
+
 def check_indications(client, args, table):
+    """A subscription in the object manager's interop namespace: filter,
+    CIM-XML destination (a listener of this check) and subscription, made
+    with ci. The object manager may set key values of its own (its system
+    name), so each later step uses the path ci answered."""
     what = "indication subscription (ci filter, destination, subscription)"
-    exported = subprocess.run(["nm", "-D", "--defined-only", args.lib], capture_output=True,
-                              text=True).stdout
-    if "CIM_InstModification_Provider_Create_IndicationMI" not in exported:
-        table.add(what, None, "indications: not served by this library yet")
-        return
     listener = Listener()
     listener.start()
     system = 'SystemCreationClassName="CIM_ComputerSystem",SystemName="localhost"'
@@ -526,21 +608,28 @@ def check_indications(client, args, table):
             'Name="qrx-cimom"' % system)
     dest = ('CIM_ListenerDestinationCIMXML.%s,CreationClassName="CIM_ListenerDestinationCIMXML",'
             'Name="qrx-cimom"' % system)
-    # wbemcli takes reference keys unquoted, as it prints them.
-    refs = "Filter=root/interop:%s,Handler=root/interop:%s" % (filt, dest)
-    subscription = "CIM_IndicationSubscription." + refs
-    steps = [
-        (filt, filt.split(".", 1)[1] + ',Query="SELECT * FROM CIM_InstModification",'
-         'QueryLanguage="CQL",SourceNamespace="root/qrx"'),
-        (dest, dest.split(".", 1)[1] + ',Destination="http://127.0.0.1:%d"' % listener.port),
-        (subscription, refs),
-    ]
-    failure = None
-    for path, props in steps:
-        code, _, err = client.run("ci", "root/interop", path, props)
-        if code != 0:
-            failure = "ci %s: %s" % (path.split(".")[0], err[-100:])
+    made, failure, language = [], None, None
+
+    def create(path, props):
+        code, out, err = client.run("ci", args.interop, path, props)
+        if code == 0 and created_path(out):
+            made.append(created_path(out))
+            return made[-1], None
+        return None, "ci %s: %s" % (path.split(".")[0], (err or out)[-100:])
+
+    for language in QUERY_LANGUAGES:
+        filt_made, failure = create(filt, filt.split(".", 1)[1] +
+                                    ',Query="SELECT * FROM CIM_InstModification",'
+                                    'QueryLanguage="%s",SourceNamespace="root/qrx"' % language)
+        if filt_made:
             break
+    if failure is None:
+        dest_made, failure = create(dest, dest.split(".", 1)[1] +
+                                    ',Destination="http://127.0.0.1:%d"' % listener.port)
+    if failure is None:
+        # wbemcli takes reference keys unquoted, as it prints them.
+        refs = "Filter=%s,Handler=%s" % (filt_made, dest_made)
+        _, failure = create("CIM_IndicationSubscription." + refs, refs)
     delivered, waited = [], 0.0
     if failure is None:
         port = json.loads(subprocess.run([args.sim, "model"], capture_output=True, text=True,
@@ -552,23 +641,23 @@ def check_indications(client, args, table):
             time.sleep(0.2)
             delivered = [b for b in listener.bodies if "CIM_InstModification" in b]
         waited = time.monotonic() - start
-    for path, _ in reversed(steps):
-        client.run("di", "root/interop", path)
+    for path in reversed(made):
+        client.run("di", args.interop, path)
     listener.server.shutdown()
     table.add(what, failure is None and bool(delivered),
-              failure or ("CIM_InstModification delivered to the listener %.1f s after a port "
-                          "went offline" % waited if delivered else
-                          "nothing delivered within 15 s of a port going offline"))
+              failure or ("QueryLanguage %s; CIM_InstModification delivered to the listener "
+                          "%.1f s after a port went offline" % (language, waited) if delivered
+                          else "nothing delivered within 15 s of a port going offline"))
 
 
 def check(args):
     with open(args.expect) as f:
         exp = json.load(f)
     client = Client(args.url)
-    table = Table()
-    if not wait_for_broker(client):
-        table.add("sfcbd answers", False, "no answer on %s within 30 s" % args.url)
-        table.print()
+    table = Table(args.name)
+    if not wait_for_broker(client, args.interop):
+        table.add("the object manager answers", False, "no answer on %s within 30 s" % args.url)
+        table.save(args.results)
         return 1
     start = time.monotonic()
     ok, inst, err = client.instances("ei", "root/qrx", "QRX_SwitchFCPort")
@@ -591,8 +680,8 @@ def check(args):
             # A check that could not finish is a failed row; the others run.
             table.add(run.__name__, False, "ended early: %s: %s"
                       % (type(error).__name__, str(error)[:80]))
-    table.print()
-    return 1 if table.failed else 0
+    table.save(args.results)
+    return 1 if any(r[1] == "FAILED" for r in table.rows) else 0
 
 
 def main():
@@ -603,13 +692,26 @@ def main():
     e.add_argument("--reg", required=True)
     e.add_argument("--out", required=True)
     c = sub.add_parser("check")
-    for name in ("--url", "--expect", "--sim", "--lib", "--trace", "--deb"):
+    for name in ("--name", "--url", "--interop", "--expect", "--sim", "--lib", "--trace", "--deb",
+                 "--results"):
         c.add_argument(name, required=True)
-    c.add_argument("--sfcbd-pid", type=int, required=True)
+    u = sub.add_parser("unchecked")
+    for name in ("--name", "--reason", "--results"):
+        u.add_argument(name, required=True)
+    u.add_argument("--result", choices=("SKIPPED", "FAILED"), required=True)
+    t = sub.add_parser("table")
+    t.add_argument("results", nargs="+")
     args = parser.parse_args()
     if args.step == "expect":
         expect(args)
         return 0
+    if args.step == "unchecked":
+        table = Table(args.name)
+        table.unchecked = (args.result, args.reason)
+        table.save(args.results)
+        return 0
+    if args.step == "table":
+        return 1 if print_table(args.results) else 0
     return check(args)
 
 
