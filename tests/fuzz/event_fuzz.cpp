@@ -36,6 +36,7 @@ struct EventThread {
   EventThread()
       : model(switchsim::FabricModel::builtIn()), daemon(model), pipe(daemon), cache(pipe),
         events(cache) {
+    pipe.setAnswerAtOnce(true);
     cache.initCache();
     for (IND_TYPE type : {IND_INSTCREATION, IND_INSTMODIFICATION, IND_INSTDELETION}) {
       events.addQuery(type, "SELECT * FROM CIM_InstIndication");
@@ -94,6 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* ipData, std::size_t ip
     checkRoundTrip(event);
     queue.push_back(std::move(event));
   }
+  gThread->pipe.forgetRequests();
   while (!queue.empty()) {
     const EventRecord event = std::move(queue.front());
     queue.pop_front();
