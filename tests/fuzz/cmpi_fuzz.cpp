@@ -169,30 +169,48 @@ class ValueMaker {
     return irNames[choice % irNames.size()];
   }
 
+  // A path of a class picked from the input, with up to three keys.
   CMPIObjectPath* path(FuzzInput& irInput, int ipDepth) {
-    const char* className = pickClass(irInput);
-    CMPIObjectPath* path = ivrBroker.newObjectPath(kNameSpace, className);
-    std::unique_ptr<SCIMSerdesable> key(createCimObject(std::string(className) + "_Key"));
-    const std::vector<std::string> names = key ? propertyNames(*key) : std::vector<std::string>();
-    for (int n = irInput.pick(4); n > 0 && !irInput.done(); --n) {
-      const std::string keyName = name(irInput, names);
-      Made made = make(irInput, ipDepth);
-      CMAddKey(path, keyName.c_str(), made.pointer, made.type);
-    }
-    return path;
+    const std::string className = pickClass(irInput);
+    return keyedPath(irInput, className, static_cast<int>(irInput.pick(4)), ipDepth);
+  }
+  // An instance of a class picked from the input, with up to three values.
+  CMPIInstance* instance(FuzzInput& irInput, int ipDepth) {
+    const std::string className = pickClass(irInput);
+    return filledInstance(irInput, className, static_cast<int>(irInput.pick(4)), ipDepth);
   }
 
-  CMPIInstance* instance(FuzzInput& irInput, int ipDepth) {
-    const char* className = pickClass(irInput);
-    CMPIInstance* instance = ivrBroker.newInstance(ivrBroker.newObjectPath(kNameSpace, className));
-    std::unique_ptr<SCIMSerdesable> object(createCimObject(className));
-    const std::vector<std::string> names = object ? propertyNames(*object) : std::vector<std::string>();
-    for (int n = irInput.pick(4); n > 0 && !irInput.done(); --n) {
-      const std::string propertyName = name(irInput, names);
-      Made made = make(irInput, ipDepth);
-      CMSetProperty(instance, propertyName.c_str(), made.pointer, made.type);
-    }
+  // A path of `irClass` with up to `ipCount` keys.
+  CMPIObjectPath* keyedPath(FuzzInput& irInput, const std::string& irClass, int ipCount, int ipDepth) {
+    CMPIObjectPath* path = ivrBroker.newObjectPath(kNameSpace, irClass.c_str());
+    addValues(irInput, irClass + "_Key", ipCount, ipDepth,
+              [path](const char* ipName, const CMPIValue* ipValue, CMPIType ipType) {
+                CMAddKey(path, ipName, ipValue, ipType);
+              });
+    return path;
+  }
+  // An instance of `irClass` with up to `ipCount` values.
+  CMPIInstance* filledInstance(FuzzInput& irInput, const std::string& irClass, int ipCount,
+                               int ipDepth) {
+    CMPIInstance* instance = ivrBroker.newInstance(ivrBroker.newObjectPath(kNameSpace, irClass.c_str()));
+    addValues(irInput, irClass, ipCount, ipDepth,
+              [instance](const char* ipName, const CMPIValue* ipValue, CMPIType ipType) {
+                CMSetProperty(instance, ipName, ipValue, ipType);
+              });
     return instance;
+  }
+  // Up to `ipCount` values named after the properties of the model class
+  // `irModel` (or from the input), each handed to `irAdd`.
+  template <class Add>
+  void addValues(FuzzInput& irInput, const std::string& irModel, int ipCount, int ipDepth,
+                 const Add& irAdd) {
+    std::unique_ptr<SCIMSerdesable> object(createCimObject(irModel));
+    const std::vector<std::string> names = object ? propertyNames(*object) : std::vector<std::string>();
+    for (int i = 0; i < ipCount && !irInput.done(); ++i) {
+      const std::string valueName = name(irInput, names);
+      Made made = make(irInput, ipDepth);
+      irAdd(valueName.c_str(), made.pointer, made.type);
+    }
   }
 
  private:
@@ -271,14 +289,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* ipData, std::size_t ip
   switch (input.pick(3)) {
     case 0: {  // an instance from a client
       std::unique_ptr<SCIMSerdesable> object(createCimObject(className));
-      CMPIInstance* instance = broker.newInstance(broker.newObjectPath(kNameSpace, className.c_str()));
-      const std::vector<std::string> names = propertyNames(*object);
-      for (int i = 0; i < kMaxValues && !input.done(); ++i) {
-        const std::string name = maker.name(input, names);
-        ValueMaker::Made made = maker.make(input, 0);
-        CMSetProperty(instance, name.c_str(), made.pointer, made.type);
-      }
-      CMPIDeserializer reader(instance);
+      CMPIDeserializer reader(maker.filledInstance(input, className, kMaxValues, 0));
       object->deserialize(reader);
       if (!reader.hasError()) checkRoundTrip(broker, *object, false);
       break;
@@ -286,14 +297,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* ipData, std::size_t ip
     case 1: {  // an object path from a client
       std::unique_ptr<SCIMSerdesable> key(createCimObject(className + "_Key"));
       if (!key) break;
-      CMPIObjectPath* path = broker.newObjectPath(kNameSpace, className.c_str());
-      const std::vector<std::string> names = propertyNames(*key);
-      for (int i = 0; i < kMaxValues && !input.done(); ++i) {
-        const std::string name = maker.name(input, names);
-        ValueMaker::Made made = maker.make(input, 0);
-        CMAddKey(path, name.c_str(), made.pointer, made.type);
-      }
-      CMPIObjPathDeserializer reader(path);
+      CMPIObjPathDeserializer reader(maker.keyedPath(input, className, kMaxValues, 0));
       key->deserialize(reader);
       if (!reader.hasError()) checkRoundTrip(broker, *key, true);
       break;
