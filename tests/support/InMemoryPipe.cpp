@@ -67,11 +67,22 @@ int InMemoryPipe::send(const Frame* ipFrame) {
 int InMemoryPipe::recvNonBlock(Frame*& orFrame) {
   orFrame = nullptr;
   std::lock_guard<std::mutex> lock(ivMutex);
-  if (ivInbox.empty() || ++ivPolls % 4 != 0) return 0;
+  if (ivInbox.empty() || ++ivPolls % ivPollsPerFrame != 0) return 0;
   orFrame = ivInbox.front();
   ivInbox.pop_front();
   if (ivInbox.empty()) ivInFlight = false;
   return static_cast<int>(orFrame->usedSize());
+}
+
+void InMemoryPipe::setAnswerAtOnce(bool ipAtOnce) {
+  std::lock_guard<std::mutex> lock(ivMutex);
+  ivPollsPerFrame = ipAtOnce ? 1 : 4;
+}
+
+void InMemoryPipe::forgetRequests() {
+  std::lock_guard<std::mutex> lock(ivMutex);
+  ivRequests.clear();
+  ivReqIds.clear();
 }
 
 int InMemoryPipe::outstanding() {
@@ -106,19 +117,22 @@ void InMemoryPipe::setOutOfFrames(bool ipOut) {
 
 InMemoryPipe::Reply DispatchPipe::answer(const Bytes& irRequest) {
   // Large enough for any reply a test builds; the call runs only once,
-  // since it may change the daemon's state.
+  // since it may change the daemon's state. One buffer serves every call,
+  // one call at a time.
   constexpr std::size_t kCapacity = 8 << 20;
-  std::unique_ptr<unsigned char[]> reply(new unsigned char[kCapacity]);
+  std::lock_guard<std::mutex> lock(ivAnswerMutex);
+  if (!ivReply) ivReply.reset(new unsigned char[kCapacity]);
+  unsigned char* const reply = ivReply.get();
   Bytes request = irRequest;
   SCIMDeserializer in(request.data(), request.size());
-  SCIMSerializer out(reply.get(), kCapacity);
+  SCIMSerializer out(reply, kCapacity);
   std::string function;
   if (rs_api_dispatch(ivDaemon, in, out, function) != kDispatchDone || out.hasError()) {
-    SCIMSerializer failure(reply.get(), kCapacity);
+    SCIMSerializer failure(reply, kCapacity);
     failure.write("status", CMPI_uint32, cuint32{0xFFFF});
-    return Reply{Bytes(reply.get(), reply.get() + failure.getWrittenLen())};
+    return Reply{Bytes(reply, reply + failure.getWrittenLen())};
   }
-  return Reply{Bytes(reply.get(), reply.get() + out.getWrittenLen())};
+  return Reply{Bytes(reply, reply + out.getWrittenLen())};
 }
 
 }  // namespace qrxtest

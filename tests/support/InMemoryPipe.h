@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -33,8 +34,12 @@ class InMemoryPipe : public fcbb::FramePipeIf {
   void freeFrame(fcbb::Frame* ipFrame) override;
   int send(const fcbb::Frame* ipFrame) override;
   // Empty for the first three polls of every frame, so that a second
-  // caller has time to get in if the client let it.
+  // caller has time to get in if the client let it (unless answering at
+  // once, below).
   int recvNonBlock(fcbb::Frame*& orFrame) override;
+  // Hands every frame out at its first poll: for single-threaded callers
+  // that need speed (fuzzing), not the interleaving.
+  void setAnswerAtOnce(bool ipAtOnce);
   void recvDone(fcbb::Frame* ipFrame) override { freeFrame(ipFrame); }
 
   // Frames handed out and not yet returned.
@@ -42,6 +47,8 @@ class InMemoryPipe : public fcbb::FramePipeIf {
   // Every request's data and req_id, in order.
   std::vector<Bytes> requests();
   std::vector<std::uint32_t> reqIds();
+  // Forgets the requests so far (a long run keeps its memory flat).
+  void forgetRequests();
   // True once a request was sent while the previous reply was unread.
   bool overlapped();
   // allocFrame() answers null while set.
@@ -68,6 +75,7 @@ class InMemoryPipe : public fcbb::FramePipeIf {
   std::vector<std::uint32_t> ivReqIds;
   int ivOutstanding = 0;
   unsigned ivPolls = 0;
+  unsigned ivPollsPerFrame = 4;
   bool ivOutOfFrames = false;
   bool ivInFlight = false;
   bool ivOverlapped = false;
@@ -86,6 +94,8 @@ class DispatchPipe : public InMemoryPipe {
 
  private:
   rs_api_client& ivDaemon;
+  std::mutex ivAnswerMutex;
+  std::unique_ptr<unsigned char[]> ivReply;  // the reply buffer, made at the first call
 };
 
 }  // namespace qrxtest

@@ -42,6 +42,10 @@ def records_header(protocol):
             "typedef std::vector<std::string> string_tA;\n"
             "typedef cdatetime datetime_t;\n\n")
     out += "".join(record_decl(r) for r in protocol.records)
+    out += ("// Every record, for code that handles each one alike: X(record) once per\n"
+            "// record, in the order of the protocol description.\n"
+            "#define SMIS_IPC_RECORDS(X) \\\n")
+    out += " \\\n".join("  X(%s)" % r.name for r in protocol.records) + "\n\n"
     out += "#endif  // QRX_GENERATED_SMIS_IPC_SMIS_IPC_H_\n"
     return out
 
