@@ -41,6 +41,7 @@ void AwwpnMap::clear() {
   ivSlots.assign(kEntries, Slot());
   for (Slot& slot : ivSlots) slot.port = ivDummy;
   ivSlotOfPort.clear();
+  ivBoundSlots.clear();
   ivNextSlot = 0;
   ivValid = false;
 }
@@ -94,6 +95,7 @@ void AwwpnMap::bind(const switch_fc_port_info_t& irPort) {
     slot.awwpn = ivArtificial ? formatWwn(ivStart + index) : irPort.name;
     slot.port = irPort;
     ivSlotOfPort[irPort.port_index] = index;
+    ivBoundSlots.insert(index);
     ivNextSlot = (index + 1) % kEntries;
     return;
   }
@@ -104,14 +106,16 @@ void AwwpnMap::bind(const switch_fc_port_info_t& irPort) {
 void AwwpnMap::release(std::size_t ipSlot) {
   Slot& slot = ivSlots[ipSlot];
   slot.bound = false;
+  ivBoundSlots.erase(ipSlot);
   slot.awwpn.clear();
   slot.port = ivDummy;
 }
 
 void AwwpnMap::getPortObjects(switch_fc_port_info_tA& orPorts) const {
   orPorts.clear();
-  for (const Slot& slot : ivSlots) {
-    if (!slot.bound) continue;
+  orPorts.reserve(ivBoundSlots.size());
+  for (std::size_t index : ivBoundSlots) {
+    const Slot& slot = ivSlots[index];
     orPorts.push_back(slot.port);
     orPorts.back().name = slot.awwpn;
   }
@@ -119,9 +123,8 @@ void AwwpnMap::getPortObjects(switch_fc_port_info_tA& orPorts) const {
 
 void AwwpnMap::getAwwpns(std::vector<std::string>& orNames) const {
   orNames.clear();
-  for (const Slot& slot : ivSlots) {
-    if (slot.bound) orNames.push_back(slot.awwpn);
-  }
+  orNames.reserve(ivBoundSlots.size());
+  for (std::size_t index : ivBoundSlots) orNames.push_back(ivSlots[index].awwpn);
 }
 
 const AwwpnMap::Slot* AwwpnMap::findByAwwpn(const std::string& irAwwpn) const {

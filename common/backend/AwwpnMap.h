@@ -26,6 +26,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -85,6 +86,8 @@ class AwwpnMap {
   switch_fc_port_info_t ivDummy;
   std::vector<Slot> ivSlots;
   std::map<std::uint16_t, std::size_t> ivSlotOfPort;  // port_index -> slot
+  std::set<std::size_t> ivBoundSlots;  // the bound slots, so that listing them
+                                       // does not walk all kEntries
   std::uint64_t ivStart = 0;
   bool ivArtificial = false;  // names derived from ivStart
   std::size_t ivNextSlot = 0;  // where the search for a free slot begins

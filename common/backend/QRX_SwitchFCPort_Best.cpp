@@ -53,10 +53,10 @@ bool QRX_SwitchFCPort_Best::enumInstances(QRX_SwitchFCPort_Array& out) {
     TRACE_ERROR(kUnit, "Failed to get switch fc port info\n");
     return false;
   }
+  out.reserve(out.size() + ports.size());
   for (const switch_fc_port_info_t& port : ports) {
-    QRX_SwitchFCPort object;
-    FabricCache::convertSwitchFCPort(object, port, swiInfo.name);
-    out.push_back(object);
+    out.emplace_back();
+    FabricCache::convertSwitchFCPort(out.back(), port, swiInfo.name);
   }
   return true;
 }

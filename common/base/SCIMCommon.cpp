@@ -26,16 +26,29 @@ long zoneOffsetMinutes() {
   // tzset() rewrites `daylight` and `timezone`; provider threads convert
   // at once, so the two are read under the same lock that writes them.
   std::lock_guard<std::mutex> lock(zoneLock);
+  // zoneVariable is "=" followed by TZ when TZ is set, and empty when not.
   const char* tz = getenv("TZ");
-  const std::string zone = tz != nullptr ? std::string(1, '=') + tz : std::string();
-  if (!known || now.tv_sec != readAt || zone != zoneVariable) {
+  const bool sameZone = tz != nullptr
+                            ? !zoneVariable.empty() && zoneVariable.compare(1, std::string::npos, tz) == 0
+                            : zoneVariable.empty();
+  if (!known || now.tv_sec != readAt || !sameZone) {
     tzset();
     offsetMinutes = (daylight != 0 ? 60 : 0) - timezone / 60;
     readAt = now.tv_sec;
-    zoneVariable = zone;
+    zoneVariable = tz != nullptr ? std::string(1, '=') + tz : std::string();
     known = true;
   }
   return offsetMinutes;
+}
+
+// Writes `ipValue` (not negative) as `ipDigits` decimal digits, the last
+// ones when it has more; returns the end.
+char* putDigits(char* opText, unsigned long ipValue, int ipDigits) {
+  for (int i = ipDigits - 1; i >= 0; --i) {
+    opText[i] = static_cast<char>('0' + ipValue % 10);
+    ipValue /= 10;
+  }
+  return opText + ipDigits;
 }
 
 }  // namespace
@@ -45,6 +58,23 @@ std::string cdatetime::toString() const {
   struct tm fields;
   gmtime_r(&seconds, &fields);
   const long offsetMinutes = zoneOffsetMinutes();
+  const int year = fields.tm_year + 1900;
+  if (year >= 0 && year <= 9999 && offsetMinutes >= -999 && offsetMinutes <= 999) {
+    // The usual case, written by hand: this runs for every datetime
+    // property of every instance.
+    char text[25];
+    char* at = putDigits(text, static_cast<unsigned long>(year), 4);
+    at = putDigits(at, static_cast<unsigned long>(fields.tm_mon + 1), 2);
+    at = putDigits(at, static_cast<unsigned long>(fields.tm_mday), 2);
+    at = putDigits(at, static_cast<unsigned long>(fields.tm_hour), 2);
+    at = putDigits(at, static_cast<unsigned long>(fields.tm_min), 2);
+    at = putDigits(at, static_cast<unsigned long>(fields.tm_sec), 2);
+    *at++ = '.';
+    at = putDigits(at, 0, 6);
+    *at++ = offsetMinutes < 0 ? '-' : '+';
+    at = putDigits(at, static_cast<unsigned long>(offsetMinutes < 0 ? -offsetMinutes : offsetMinutes), 3);
+    return std::string(text, static_cast<size_t>(at - text));
+  }
   char text[96];  // room for any int the compiler can imagine
   snprintf(text, sizeof(text), "%04d%02d%02d%02d%02d%02d.%06d%+4.3ld", fields.tm_year + 1900,
            fields.tm_mon + 1, fields.tm_mday, fields.tm_hour, fields.tm_min, fields.tm_sec, 0,

@@ -40,6 +40,9 @@ TEST(CimDateTime, TextUsesUtcFieldsAndTheLocalOffset) {
   t.ivTime = 1700000000u;  // 2023-11-14 22:13:20 UTC
   EXPECT_EQ("20231114221320.000000+000", t.toString());
   EXPECT_EQ(25u, t.toString().size());
+  t.ivTime = 0xFFFFFFFFu;  // the last second a datetime holds
+  EXPECT_EQ("21060207062815.000000+000", t.toString());
+  t.ivTime = 1700000000u;
 
   // A zone with summer time counts 60 minutes whatever the date; the fields
   // stay UTC.
@@ -47,6 +50,8 @@ TEST(CimDateTime, TextUsesUtcFieldsAndTheLocalOffset) {
   EXPECT_EQ("20231114221320.000000-240", t.toString());
   setZone("JST-9");
   EXPECT_EQ("20231114221320.000000+540", t.toString());
+  setZone("<-0330>3:30");
+  EXPECT_EQ("20231114221320.000000-210", t.toString());
   setZone("UTC");
 }
 

@@ -42,7 +42,7 @@ CMPIString* Core::newString(const std::string& irText) {
 }
 
 Status Core::release(const EncObject& irObject) {
-  if (ivRegistry.releaseObject(irObject.handle())) return Status::OK();
+  if (ivRegistry.releaseObject(irObject)) return Status::OK();
   return Status(CMPI_RC_ERR_INVALID_HANDLE,
                 "object is not the caller's to release (it is part of another object)");
 }

@@ -90,7 +90,7 @@ CMPIString* mbNewString(const CMPIBroker* mb, const char* data, CMPIStatus* rc) 
       setStatus(rc, core, Status(CMPI_RC_ERR_INVALID_PARAMETER, "string data is NULL"));
       return nullptr;
     }
-    return adoptOrFail(core, Status::OK(), EncString::make(core, data), rc);
+    return adoptOrFail(core, Status::OK(), EncString::make(core, data, std::strlen(data)), rc);
   });
 }
 

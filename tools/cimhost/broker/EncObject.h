@@ -21,6 +21,7 @@
 #ifndef QRX_TOOLS_CIMHOST_BROKER_ENCOBJECT_H_
 #define QRX_TOOLS_CIMHOST_BROKER_ENCOBJECT_H_
 
+#include <cstdint>
 #include <memory>
 
 #include "cmpift.h"
@@ -50,7 +51,10 @@ class EncObject {
   explicit EncObject(Core* ipCore) : ivCore(ipCore) {}
 
  private:
+  friend class Registry;
+
   Core* ivCore;
+  uint64_t ivRegistrySeq = 0;  // the registry's sequence number; 0 while not registered
 };
 
 // Base of the concrete object types. `Self` provides

@@ -81,7 +81,7 @@ template <class T, class C>
 void freeObject(const CMPIBroker* mb, C* ipObject) {
   Core* core = Core::of(mb);
   const T* object = T::of(ipObject);
-  if (core && object && object->core() == core) core->registry().releaseObject(object->handle());
+  if (core && object && object->core() == core) core->registry().releaseObject(*object);
 }
 
 void memFreeInstance(const CMPIBroker* mb, CMPIInstance* inst) {

@@ -18,19 +18,12 @@ void Registry::destroy(std::vector<Entry>* iopEntries) {
   iopEntries->clear();
 }
 
-Registry::Entry& Registry::append(const void* ipKey) {
+Registry::Entry& Registry::append(uint64_t* opSeq) {
   if (ivEntries.empty()) ivFirstSeq = ivNextSeq;
   // Numbers kept back for a mark become released slots.
   while (ivFirstSeq + ivEntries.size() < ivNextSeq) ivEntries.emplace_back();
-  const uint64_t seq = ivNextSeq;
   ivEntries.emplace_back();
-  try {
-    ivIndex.emplace(ipKey, seq);
-  } catch (...) {
-    ivEntries.pop_back();
-    throw;
-  }
-  ++ivNextSeq;
+  *opSeq = ivNextSeq++;
   return ivEntries.back();
 }
 
@@ -55,19 +48,24 @@ void Registry::trim() {
 
 void Registry::addObject(std::unique_ptr<EncObject> ipObject) {
   std::lock_guard<std::mutex> lock(ivMutex);
-  append(ipObject->handle()).object = std::move(ipObject);
+  uint64_t seq = 0;
+  Entry& entry = append(&seq);
+  ipObject->ivRegistrySeq = seq;
+  entry.object = std::move(ipObject);
+  ++ivObjectCount;
 }
 
-bool Registry::releaseObject(const void* ipHandle) {
+bool Registry::releaseObject(const EncObject& irObject) {
   std::unique_ptr<EncObject> doomed;
   {
     std::lock_guard<std::mutex> lock(ivMutex);
-    auto it = ivIndex.find(ipHandle);
-    if (it == ivIndex.end()) return false;
-    Entry& entry = at(it->second);
-    if (!entry.object) return false;  // a block, not an object
+    const uint64_t seq = irObject.ivRegistrySeq;
+    if (seq < ivFirstSeq || seq >= ivFirstSeq + ivEntries.size()) return false;
+    Entry& entry = at(seq);
+    if (entry.object.get() != &irObject) return false;  // registered elsewhere, or not at all
     doomed = std::move(entry.object);
-    ivIndex.erase(it);
+    doomed->ivRegistrySeq = 0;
+    --ivObjectCount;
     trim();
   }
   return true;
@@ -78,8 +76,16 @@ void* Registry::allocate(size_t ipSize, bool ipZero) {
   if (!block) return nullptr;
   try {
     std::lock_guard<std::mutex> lock(ivMutex);
-    append(block).block = block;
-    ++ivBlockCount;
+    uint64_t seq = 0;
+    Entry& entry = append(&seq);
+    try {
+      ivBlocks.emplace(block, seq);
+    } catch (...) {
+      ivEntries.pop_back();
+      --ivNextSeq;
+      throw;
+    }
+    entry.block = block;
   } catch (...) {
     std::free(block);
     return nullptr;
@@ -89,17 +95,16 @@ void* Registry::allocate(size_t ipSize, bool ipZero) {
 
 void* Registry::reallocate(void* ipBlock, size_t ipSize) {
   std::lock_guard<std::mutex> lock(ivMutex);
-  auto it = ivIndex.find(ipBlock);
-  if (it == ivIndex.end()) return nullptr;
+  auto it = ivBlocks.find(ipBlock);
+  if (it == ivBlocks.end()) return nullptr;
   Entry& entry = at(it->second);
-  if (!entry.block) return nullptr;  // an object, not a block
   void* grown = std::realloc(ipBlock, ipSize ? ipSize : 1);
   if (!grown) return nullptr;
   // Re-keying the index node allocates nothing, so nothing can fail now
   // that realloc() may have moved the block.
-  auto node = ivIndex.extract(it);
+  auto node = ivBlocks.extract(it);
   node.key() = grown;
-  ivIndex.insert(std::move(node));
+  ivBlocks.insert(std::move(node));
   entry.block = grown;
   return grown;
 }
@@ -107,13 +112,10 @@ void* Registry::reallocate(void* ipBlock, size_t ipSize) {
 bool Registry::freeBlock(void* ipBlock) {
   {
     std::lock_guard<std::mutex> lock(ivMutex);
-    auto it = ivIndex.find(ipBlock);
-    if (it == ivIndex.end()) return false;
-    Entry& entry = at(it->second);
-    if (!entry.block) return false;  // an object, not a block
-    entry.block = nullptr;
-    ivIndex.erase(it);
-    --ivBlockCount;
+    auto it = ivBlocks.find(ipBlock);
+    if (it == ivBlocks.end()) return false;
+    at(it->second).block = nullptr;
+    ivBlocks.erase(it);
     trim();
   }
   std::free(ipBlock);
@@ -144,10 +146,10 @@ std::vector<Registry::Entry> Registry::takeAfter(uint64_t ipSeq) {
     const auto from = ivEntries.begin() + static_cast<std::ptrdiff_t>(first);
     for (auto it = from; it != ivEntries.end(); ++it) {
       if (it->block) {
-        ivIndex.erase(it->block);
-        --ivBlockCount;
+        ivBlocks.erase(it->block);
       } else if (it->object) {
-        ivIndex.erase(it->object->handle());
+        it->object->ivRegistrySeq = 0;
+        --ivObjectCount;
       } else {
         continue;  // released earlier
       }
@@ -176,12 +178,12 @@ bool Registry::releaseMark(const void* ipMark) {
 
 size_t Registry::objectCount() const {
   std::lock_guard<std::mutex> lock(ivMutex);
-  return ivIndex.size() - ivBlockCount;
+  return ivObjectCount;
 }
 
 size_t Registry::blockCount() const {
   std::lock_guard<std::mutex> lock(ivMutex);
-  return ivBlockCount;
+  return ivBlocks.size();
 }
 
 void Registry::clear() {

@@ -1,9 +1,9 @@
 // cimhost::Registry: what a broker has handed out and not yet freed, the
 // way an object manager keeps the objects of a request.
 //
-// Entries are encapsulated objects (keyed by the address of their C
-// struct) and memory blocks from the broker's cmpiMalloc family (keyed by
-// the block address). Each entry gets the next sequence number; a mark
+// Entries are encapsulated objects (which carry their own sequence
+// number) and memory blocks from the broker's cmpiMalloc family (found by
+// their address). Each entry gets the next sequence number; a mark
 // remembers the number at its creation, and releasing the mark frees every
 // entry created after it that is still registered (marks nest). Releasing
 // a mark twice, or an entry that is not registered, is refused. The
@@ -40,9 +40,8 @@ class Registry {
 
   void addObject(std::unique_ptr<EncObject> ipObject);
 
-  // Frees the object whose C struct is at `ipHandle`; false if no
-  // registered object has it.
-  bool releaseObject(const void* ipHandle);
+  // Frees `irObject`; false if it is not registered here.
+  bool releaseObject(const EncObject& irObject);
 
   // A registered block of `ipSize` bytes (zeroed if `ipZero`); NULL when out
   // of memory. A size of 0 allocates one byte.
@@ -74,9 +73,9 @@ class Registry {
     void* block = nullptr;              // or neither: a released slot
   };
 
-  // A new entry registered under `ipKey`, with the next sequence number.
+  // A new entry with the next sequence number, which `opSeq` receives.
   // Called with the lock held, like the helpers below.
-  Entry& append(const void* ipKey);
+  Entry& append(uint64_t* opSeq);
 
   // The slot of sequence number `ipSeq` (which must be in the registry).
   Entry& at(uint64_t ipSeq) { return ivEntries[static_cast<size_t>(ipSeq - ivFirstSeq)]; }
@@ -97,14 +96,14 @@ class Registry {
   uint64_t ivFirstSeq = 1;
   uint64_t ivNextSeq = 1;
   std::deque<Entry> ivEntries;
-  std::unordered_map<const void*, uint64_t> ivIndex;  // key -> sequence number
+  std::unordered_map<const void*, uint64_t> ivBlocks;  // block -> sequence number
   struct Mark {
     uint64_t seq;  // the last sequence number given out before the mark
   };
 
   std::unordered_map<const void*, std::unique_ptr<Mark>> ivMarks;  // by address
   std::multiset<uint64_t> ivMarkSeqs;                               // their seq
-  size_t ivBlockCount = 0;
+  size_t ivObjectCount = 0;
 };
 
 }  // namespace cimhost

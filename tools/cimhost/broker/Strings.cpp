@@ -33,17 +33,17 @@ const CMPIStringFT kTable100 = makeTable(CMPIVersion100);
 
 }  // namespace
 
-EncString::EncString(Core* ipCore, const std::string& irText)
-    : Encapsulated(ipCore), ivBuffer(new char[kPrefix + irText.size() + 1]),
-      ivLength(irText.size()) {
+EncString::EncString(Core* ipCore, const char* ipText, size_t ipLength)
+    : Encapsulated(ipCore), ivBuffer(new char[kPrefix + ipLength + 1]), ivLength(ipLength) {
   const EncString* self = this;
   std::memcpy(ivBuffer.get(), &self, kPrefix);
-  std::memcpy(ivBuffer.get() + kPrefix, irText.c_str(), irText.size() + 1);
+  std::memcpy(ivBuffer.get() + kPrefix, ipText, ipLength);
+  ivBuffer[kPrefix + ipLength] = '\0';
   setHdl(ivBuffer.get() + kPrefix);
 }
 
-std::unique_ptr<EncString> EncString::make(Core* ipCore, const std::string& irText) {
-  return std::unique_ptr<EncString>(new EncString(ipCore, irText));
+std::unique_ptr<EncString> EncString::make(Core* ipCore, const char* ipText, size_t ipLength) {
+  return std::unique_ptr<EncString>(new EncString(ipCore, ipText, ipLength));
 }
 
 EncString* EncString::fromHdl(void* ipHdl) {

@@ -13,12 +13,16 @@ namespace cimhost {
 
 class EncString : public Encapsulated<EncString, CMPIString, CMPIStringFT> {
  public:
-  static std::unique_ptr<EncString> make(Core* ipCore, const std::string& irText);
+  static std::unique_ptr<EncString> make(Core* ipCore, const std::string& irText) {
+    return make(ipCore, irText.data(), irText.size());
+  }
+  // The `ipLength` characters at `ipText` (which need no NUL).
+  static std::unique_ptr<EncString> make(Core* ipCore, const char* ipText, size_t ipLength);
 
   const char* chars() const { return ivBuffer.get() + kPrefix; }
   std::string text() const { return std::string(chars(), ivLength); }
 
-  std::unique_ptr<EncString> copy(Core* ipCore) const { return make(ipCore, text()); }
+  std::unique_ptr<EncString> copy(Core* ipCore) const { return make(ipCore, chars(), ivLength); }
   std::unique_ptr<EncObject> copyTo(Core* ipCore) const override { return copy(ipCore); }
 
   static EncString* fromHdl(void* ipHdl);
@@ -28,7 +32,7 @@ class EncString : public Encapsulated<EncString, CMPIString, CMPIStringFT> {
  private:
   static constexpr size_t kPrefix = sizeof(EncString*);
 
-  EncString(Core* ipCore, const std::string& irText);
+  EncString(Core* ipCore, const char* ipText, size_t ipLength);
 
   // The object's address, then the characters and a NUL.
   std::unique_ptr<char[]> ivBuffer;

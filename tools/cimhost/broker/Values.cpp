@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <cassert>
+#include <cstring>
 
 #include "tools/cimhost/broker/Args.h"
 #include "tools/cimhost/broker/Arrays.h"
@@ -133,7 +134,8 @@ Status Value::copyFrom(Core* ipCore, const CMPIValue* ipValue, CMPIType ipType, 
     case CMPI_ptr: out.ivValue.dataPtr = v.dataPtr; break;
     case CMPI_chars:
       // By CMPI convention the value pointer is the characters themselves.
-      out.hold(EncString::make(ipCore, reinterpret_cast<const char*>(ipValue)));
+      out.hold(EncString::make(ipCore, reinterpret_cast<const char*>(ipValue),
+                               std::strlen(reinterpret_cast<const char*>(ipValue))));
       *opOut = std::move(out);
       return Status::OK();
     case CMPI_string: {
