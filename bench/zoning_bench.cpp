@@ -10,10 +10,11 @@
 // which builds the operation lists and sends them, is timed. The zones are
 // deleted again between iterations.
 //
-// The simulated switch keeps each batch all or nothing by editing a copy of
-// its staged configuration, which grows with the session: much of the
-// commit's time is the simulator's, so the ratio bounds the library's share
-// from above. Build with a release build type for figures.
+// The simulated switch decodes and applies every operation (checking each
+// new member against the zone's others) and journals each batch so as to
+// undo it on failure: part of the commit's time is the simulator's, so the
+// ratio bounds the library's share from above. Build with a release build
+// type for figures.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <iterator>
 #include <utility>
 
 #include "common/backend/BackendStart.h"
@@ -757,15 +758,16 @@ void ZoneDb::collectZoneSetChanges(zone_operation_tA& orRemove, zone_operation_t
 }
 
 int ZoneDb::commitChangesList(const std::string& irService, const char* ipListName,
-                              const zone_operation_tA& irOperations) {
+                              zone_operation_tA& iorOperations) {
   TRACE_DEBUG("commit changelist %s #changes=%d\n", ipListName,
-              static_cast<int>(irOperations.size()));
-  if (irOperations.empty()) return ZONEDB_RC_OK;
+              static_cast<int>(iorOperations.size()));
+  if (iorOperations.empty()) return ZONEDB_RC_OK;
   rs_api_client* c = client();
   if (c == nullptr) return -1;
-  for (std::size_t at = 0; at < irOperations.size(); at += MAX_CHANGES_PER_CALL) {
-    const std::size_t end = std::min(irOperations.size(), at + MAX_CHANGES_PER_CALL);
-    zone_operation_tA batch(irOperations.begin() + at, irOperations.begin() + end);
+  for (std::size_t at = 0; at < iorOperations.size(); at += MAX_CHANGES_PER_CALL) {
+    const std::size_t end = std::min(iorOperations.size(), at + MAX_CHANGES_PER_CALL);
+    zone_operation_tA batch(std::make_move_iterator(iorOperations.begin() + at),
+                            std::make_move_iterator(iorOperations.begin() + end));
     const int rc = c->session_update(irService, std::move(batch));
     if (rc != 0) return rc;
   }
@@ -780,7 +782,7 @@ int ZoneDb::commitChanges(const std::string& irService) {
   collectZoneSetChanges(removeOps, deleteOps, createOps, addOps);
   const struct {
     const char* name;
-    const zone_operation_tA& list;
+    zone_operation_tA& list;
   } lists[] = {{"removeOperations", removeOps},
                {"deleteOperations", deleteOps},
                {"createOperations", createOps},

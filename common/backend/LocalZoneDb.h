@@ -293,8 +293,9 @@ class ZoneDb {
   int deleteZone_nl(const std::string& irName);
 
   int commitChanges(const std::string& irService);
+  // Sends `iorOperations` in batches; their contents are moved out.
   int commitChangesList(const std::string& irService, const char* ipListName,
-                        const zone_operation_tA& irOperations);
+                        zone_operation_tA& iorOperations);
   void collectAliasChanges(zone_operation_tA& orRemove, zone_operation_tA& orDelete,
                            zone_operation_tA& orCreate, zone_operation_tA& orAdd) const;
   void collectZoneChanges(zone_operation_tA& orRemove, zone_operation_tA& orDelete,

@@ -154,6 +154,8 @@ void SCIMDeserializer::readList(std::vector<T>& orValue) {
   read("count", 0, count);
   if (ivError) return;
   std::vector<T> elements;
+  // The count comes from the wire: room is made ahead for a modest one only.
+  elements.reserve(count < kListReserveLimit ? count : kListReserveLimit);
   for (unsigned int i = 0; i < count; ++i) {
     T element{};
     read("element", 0, element);

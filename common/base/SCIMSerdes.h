@@ -111,6 +111,9 @@ class SCIMDeserializer : public SCIMSerdesBase, public SCIMDeserializerIf {
  private:
   template <typename T>
   void readList(std::vector<T>& orValue);
+
+  // At most this many elements of a list are reserved from its count.
+  static constexpr unsigned int kListReserveLimit = 256;
 };
 
 #endif  // QRX_COMMON_BASE_SCIMSERDES_H_

@@ -85,6 +85,16 @@ TEST_F(SimulatedSwitchTest, DirectEditsCheckEveryRequest) {
   EXPECT_EQ(0, ivSwitch.add_zone_member(ivService, "z_new", member(2, wwn)));
   EXPECT_EQ(static_cast<int>(kStatusAlreadyExists),
             ivSwitch.add_zone_member(ivService, "z_new", member(2, wwn)));
+  // A member is its type and its whole identifier: neither the same
+  // identifier under another type nor one that ends alike is a duplicate.
+  EXPECT_EQ(0, ivSwitch.add_zone_member(ivService, "z_new", member(5, wwn)));
+  EXPECT_EQ(0, ivSwitch.add_zone_member(ivService, "z_new", member(2, "21000e5b72000011")));
+  EXPECT_EQ(static_cast<int>(kStatusNotFound),
+            ivSwitch.remove_zone_member(ivService, "z_new", member(2, "21000e5b72000021")));
+  EXPECT_EQ(0, ivSwitch.remove_zone_member(ivService, "z_new", member(5, wwn)));
+  EXPECT_EQ(static_cast<int>(kStatusAlreadyExists),
+            ivSwitch.add_zone_member(ivService, "z_new", member(2, "21000e5b72000011")));
+  EXPECT_EQ(0, ivSwitch.remove_zone_member(ivService, "z_new", member(2, "21000e5b72000011")));
   EXPECT_EQ(static_cast<int>(kStatusBadMemberType),
             ivSwitch.add_zone_member(ivService, "z_new", member(6, "a_tape")));
   EXPECT_EQ(static_cast<int>(kStatusBadMemberId),

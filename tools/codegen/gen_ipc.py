@@ -73,6 +73,8 @@ def records_source(protocol):
                 "  cuint32 count = 0;\n"
                 "  deserializer.read(\"count\", CMPI_uint32, count);\n"
                 "  %sA elements;\n"
+                "  // The count comes from the wire: room is made ahead for a modest one only.\n"
+                "  elements.reserve(count < 256 ? count : 256);\n"
                 "  for (cuint32 i = 0; i < count && !deserializer.hasError(); ++i) {\n"
                 "    %s element;\n"
                 "    deserializer.read(\"%s\", CMPI_instance, element);\n"

@@ -32,11 +32,36 @@ std::size_t indexOfNamed(const List& irList, const std::string& irName) {
   return kNone;
 }
 
+// As indexOfNamed(), trying *iopHint first and leaving the index found there.
+template <typename List>
+std::size_t indexOfNamed(const List& irList, const std::string& irName, std::size_t* iopHint) {
+  if (*iopHint < irList.size() && irList[*iopHint].name == irName) return *iopHint;
+  const std::size_t index = indexOfNamed(irList, irName);
+  if (index != kNone) *iopHint = index;
+  return index;
+}
+
 // The index of the first entry equal to `irValue`, or kNone.
 template <typename List, typename T>
 std::size_t indexOfValue(const List& irList, const T& irValue) {
   auto found = std::find(irList.begin(), irList.end(), irValue);
   return found == irList.end() ? kNone : static_cast<std::size_t>(found - irList.begin());
+}
+
+// The index of `irMember` in `irMembers`, or kNone. Zones hold up to
+// thousands of members and every addition looks for a duplicate, so
+// entries are told apart by their cheapest differences first (identifiers
+// of one kind differ mostly in their last digits).
+std::size_t indexOfMember(const zone_member_data_tA& irMembers,
+                          const zone_member_data_t& irMember) {
+  const std::string& id = irMember.member_id;
+  for (std::size_t i = 0; i < irMembers.size(); ++i) {
+    const zone_member_data_t& other = irMembers[i];
+    if (other.member_type != irMember.member_type || other.member_id.size() != id.size()) continue;
+    if (!id.empty() && other.member_id.back() != id.back()) continue;
+    if (other.member_id == id) return i;
+  }
+  return kNone;
 }
 
 bool isHex(const std::string& irText, std::size_t ipLength) {
@@ -119,6 +144,18 @@ std::uint32_t ZoneEditor::checkNewName(const std::string& irName, std::size_t ip
   if (ipExists) return kStatusAlreadyExists;
   if (ipCount >= ipLimit) return kStatusLimitReached;
   return kStatusOk;
+}
+
+std::size_t ZoneEditor::zoneIndex(const std::string& irName) const {
+  return indexOfNamed(ivrConfig.zones, irName, &ivZoneHint);
+}
+
+std::size_t ZoneEditor::aliasIndex(const std::string& irName) const {
+  return indexOfNamed(ivrConfig.aliases, irName, &ivAliasHint);
+}
+
+std::size_t ZoneEditor::zoneSetIndex(const std::string& irName) const {
+  return indexOfNamed(ivrConfig.zoneSets, irName, &ivZoneSetHint);
 }
 
 template <typename T>
@@ -213,14 +250,14 @@ std::uint32_t ZoneEditor::createAlias(const std::string& irName) {
 }
 
 std::uint32_t ZoneEditor::deleteZoneSet(const std::string& irName) {
-  const std::size_t index = indexOfNamed(ivrConfig.zoneSets, irName);
+  const std::size_t index = zoneSetIndex(irName);
   if (index == kNone) return kStatusNotFound;
   erase(Change::kZoneSets, 0, ivrConfig.zoneSets, index, &Change::zoneSet);
   return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::deleteZone(const std::string& irName) {
-  const std::size_t index = indexOfNamed(ivrConfig.zones, irName);
+  const std::size_t index = zoneIndex(irName);
   if (index == kNone) return kStatusNotFound;
   erase(Change::kZones, 0, ivrConfig.zones, index, &Change::zone);
   for (std::size_t set = 0; set < ivrConfig.zoneSets.size(); ++set) {
@@ -232,7 +269,7 @@ std::uint32_t ZoneEditor::deleteZone(const std::string& irName) {
 }
 
 std::uint32_t ZoneEditor::deleteAlias(const std::string& irName) {
-  const std::size_t index = indexOfNamed(ivrConfig.aliases, irName);
+  const std::size_t index = aliasIndex(irName);
   if (index == kNone) return kStatusNotFound;
   erase(Change::kAliases, 0, ivrConfig.aliases, index, &Change::alias);
   for (std::size_t zone = 0; zone < ivrConfig.zones.size(); ++zone) {
@@ -244,8 +281,8 @@ std::uint32_t ZoneEditor::deleteAlias(const std::string& irName) {
 }
 
 std::uint32_t ZoneEditor::addZone(const std::string& irZoneSet, const std::string& irZone) {
-  const std::size_t set = indexOfNamed(ivrConfig.zoneSets, irZoneSet);
-  if (set == kNone || ivrConfig.findZone(irZone) == nullptr) return kStatusNotFound;
+  const std::size_t set = zoneSetIndex(irZoneSet);
+  if (set == kNone || zoneIndex(irZone) == kNone) return kStatusNotFound;
   std::vector<std::string>& names = ivrConfig.zoneSets[set].zone_names;
   if (indexOfValue(names, irZone) != kNone) return kStatusAlreadyExists;
   if (names.size() >= ivrLimits.MaxNumZonesPerZoneSet) return kStatusLimitReached;
@@ -254,7 +291,7 @@ std::uint32_t ZoneEditor::addZone(const std::string& irZoneSet, const std::strin
 }
 
 std::uint32_t ZoneEditor::removeZone(const std::string& irZoneSet, const std::string& irZone) {
-  const std::size_t set = indexOfNamed(ivrConfig.zoneSets, irZoneSet);
+  const std::size_t set = zoneSetIndex(irZoneSet);
   if (set == kNone) return kStatusNotFound;
   std::vector<std::string>& names = ivrConfig.zoneSets[set].zone_names;
   const std::size_t position = indexOfValue(names, irZone);
@@ -264,8 +301,8 @@ std::uint32_t ZoneEditor::removeZone(const std::string& irZoneSet, const std::st
 }
 
 std::uint32_t ZoneEditor::addAlias(const std::string& irZone, const std::string& irAlias) {
-  const std::size_t index = indexOfNamed(ivrConfig.zones, irZone);
-  if (index == kNone || ivrConfig.findAlias(irAlias) == nullptr) return kStatusNotFound;
+  const std::size_t index = zoneIndex(irZone);
+  if (index == kNone || aliasIndex(irAlias) == kNone) return kStatusNotFound;
   zone_t& zone = ivrConfig.zones[index];
   if (indexOfValue(zone.alias_names, irAlias) != kNone) return kStatusAlreadyExists;
   if (zone.alias_names.size() + zone.member_list.size() >= ivrLimits.MaxNumZoneMembers) {
@@ -276,7 +313,7 @@ std::uint32_t ZoneEditor::addAlias(const std::string& irZone, const std::string&
 }
 
 std::uint32_t ZoneEditor::removeAlias(const std::string& irZone, const std::string& irAlias) {
-  const std::size_t index = indexOfNamed(ivrConfig.zones, irZone);
+  const std::size_t index = zoneIndex(irZone);
   if (index == kNone) return kStatusNotFound;
   std::vector<std::string>& names = ivrConfig.zones[index].alias_names;
   const std::size_t position = indexOfValue(names, irAlias);
@@ -287,12 +324,12 @@ std::uint32_t ZoneEditor::removeAlias(const std::string& irZone, const std::stri
 
 std::uint32_t ZoneEditor::addZoneMember(const std::string& irZone,
                                         const zone_member_data_t& irMember) {
-  const std::size_t index = indexOfNamed(ivrConfig.zones, irZone);
+  const std::size_t index = zoneIndex(irZone);
   if (index == kNone) return kStatusNotFound;
   const std::uint32_t status = checkMember(irMember);
   if (status != kStatusOk) return status;
   zone_t& zone = ivrConfig.zones[index];
-  if (indexOfValue(zone.member_list, irMember) != kNone) return kStatusAlreadyExists;
+  if (indexOfMember(zone.member_list, irMember) != kNone) return kStatusAlreadyExists;
   if (zone.member_list.size() + zone.alias_names.size() >= ivrLimits.MaxNumZoneMembers) {
     return kStatusLimitReached;
   }
@@ -302,11 +339,11 @@ std::uint32_t ZoneEditor::addZoneMember(const std::string& irZone,
 
 std::uint32_t ZoneEditor::removeZoneMember(const std::string& irZone,
                                            const zone_member_data_t& irMember) {
-  const std::size_t index = indexOfNamed(ivrConfig.zones, irZone);
+  const std::size_t index = zoneIndex(irZone);
   if (index == kNone) return kStatusNotFound;
   if (!isMemberType(irMember.member_type)) return kStatusBadMemberType;
   zone_member_data_tA& members = ivrConfig.zones[index].member_list;
-  const std::size_t position = indexOfValue(members, irMember);
+  const std::size_t position = indexOfMember(members, irMember);
   if (position == kNone) return kStatusNotFound;
   erase(Change::kZoneMembers, index, members, position, &Change::member);
   return kStatusOk;
@@ -314,12 +351,12 @@ std::uint32_t ZoneEditor::removeZoneMember(const std::string& irZone,
 
 std::uint32_t ZoneEditor::addAliasMember(const std::string& irAlias,
                                          const zone_member_data_t& irMember) {
-  const std::size_t index = indexOfNamed(ivrConfig.aliases, irAlias);
+  const std::size_t index = aliasIndex(irAlias);
   if (index == kNone) return kStatusNotFound;
   const std::uint32_t status = checkMember(irMember);
   if (status != kStatusOk) return status;
   zone_member_data_tA& members = ivrConfig.aliases[index].member_list;
-  if (indexOfValue(members, irMember) != kNone) return kStatusAlreadyExists;
+  if (indexOfMember(members, irMember) != kNone) return kStatusAlreadyExists;
   if (members.size() >= ivrLimits.MaxNumZoneMembers) return kStatusLimitReached;
   append(Change::kAliasMembers, index, members, irMember);
   return kStatusOk;
@@ -327,11 +364,11 @@ std::uint32_t ZoneEditor::addAliasMember(const std::string& irAlias,
 
 std::uint32_t ZoneEditor::removeAliasMember(const std::string& irAlias,
                                             const zone_member_data_t& irMember) {
-  const std::size_t index = indexOfNamed(ivrConfig.aliases, irAlias);
+  const std::size_t index = aliasIndex(irAlias);
   if (index == kNone) return kStatusNotFound;
   if (!isMemberType(irMember.member_type)) return kStatusBadMemberType;
   zone_member_data_tA& members = ivrConfig.aliases[index].member_list;
-  const std::size_t position = indexOfValue(members, irMember);
+  const std::size_t position = indexOfMember(members, irMember);
   if (position == kNone) return kStatusNotFound;
   erase(Change::kAliasMembers, index, members, position, &Change::member);
   return kStatusOk;

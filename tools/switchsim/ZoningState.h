@@ -126,6 +126,13 @@ class ZoneEditor {
   std::uint32_t checkNewName(const std::string& irName, std::size_t ipCount,
                              std::uint32_t ipLimit, bool ipExists) const;
 
+  // The index of the zone, alias or zone set named `irName`, or kNone.
+  // Consecutive operations mostly name the same object, so the last one
+  // found is tried first.
+  std::size_t zoneIndex(const std::string& irName) const;
+  std::size_t aliasIndex(const std::string& irName) const;
+  std::size_t zoneSetIndex(const std::string& irName) const;
+
   // The edits' only ways to change the configuration: both journal the
   // change while applyAll runs.
   template <typename T>
@@ -138,6 +145,9 @@ class ZoneEditor {
   ZoneConfig& ivrConfig;
   const zone_capabilities_data_t& ivrLimits;
   std::vector<Change>* ivpJournal = nullptr;
+  mutable std::size_t ivZoneHint = 0;
+  mutable std::size_t ivAliasHint = 0;
+  mutable std::size_t ivZoneSetHint = 0;
 };
 
 // Checks a whole configuration by building it up with a ZoneEditor. On
