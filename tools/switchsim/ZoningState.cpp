@@ -171,7 +171,7 @@ void ZoneEditor::append(Change::Where ipWhere, std::size_t ipOwner, std::vector<
 
 template <typename T>
 void ZoneEditor::erase(Change::Where ipWhere, std::size_t ipOwner, std::vector<T>& irList,
-                       std::size_t ipPosition, T Change::*ipSlot) {
+                       std::size_t ipPosition) {
   if (ivpJournal != nullptr) {
     ivpJournal->emplace_back();
     Change& change = ivpJournal->back();
@@ -179,7 +179,7 @@ void ZoneEditor::erase(Change::Where ipWhere, std::size_t ipOwner, std::vector<T
     change.appended = false;
     change.owner = ipOwner;
     change.position = ipPosition;
-    change.*ipSlot = std::move(irList[ipPosition]);
+    change.erased.template emplace<T>(std::move(irList[ipPosition]));
   }
   irList.erase(irList.begin() + static_cast<std::ptrdiff_t>(ipPosition));
 }
@@ -187,12 +187,12 @@ void ZoneEditor::erase(Change::Where ipWhere, std::size_t ipOwner, std::vector<T
 namespace {
 
 template <typename T, typename Change>
-void reverse(std::vector<T>& irList, Change& irChange, T& irSaved) {
+void reverse(std::vector<T>& irList, Change& irChange) {
   if (irChange.appended) {
     irList.pop_back();
   } else {
     irList.insert(irList.begin() + static_cast<std::ptrdiff_t>(irChange.position),
-                  std::move(irSaved));
+                  std::move(std::get<T>(irChange.erased)));
   }
 }
 
@@ -201,19 +201,19 @@ void reverse(std::vector<T>& irList, Change& irChange, T& irSaved) {
 void ZoneEditor::undo(Change& irChange) {
   switch (irChange.where) {
     case Change::kZoneSets:
-      return reverse(ivrConfig.zoneSets, irChange, irChange.zoneSet);
+      return reverse(ivrConfig.zoneSets, irChange);
     case Change::kZones:
-      return reverse(ivrConfig.zones, irChange, irChange.zone);
+      return reverse(ivrConfig.zones, irChange);
     case Change::kAliases:
-      return reverse(ivrConfig.aliases, irChange, irChange.alias);
+      return reverse(ivrConfig.aliases, irChange);
     case Change::kZoneSetZones:
-      return reverse(ivrConfig.zoneSets[irChange.owner].zone_names, irChange, irChange.name);
+      return reverse(ivrConfig.zoneSets[irChange.owner].zone_names, irChange);
     case Change::kZoneAliasNames:
-      return reverse(ivrConfig.zones[irChange.owner].alias_names, irChange, irChange.name);
+      return reverse(ivrConfig.zones[irChange.owner].alias_names, irChange);
     case Change::kZoneMembers:
-      return reverse(ivrConfig.zones[irChange.owner].member_list, irChange, irChange.member);
+      return reverse(ivrConfig.zones[irChange.owner].member_list, irChange);
     case Change::kAliasMembers:
-      return reverse(ivrConfig.aliases[irChange.owner].member_list, irChange, irChange.member);
+      return reverse(ivrConfig.aliases[irChange.owner].member_list, irChange);
   }
 }
 
@@ -252,18 +252,18 @@ std::uint32_t ZoneEditor::createAlias(const std::string& irName) {
 std::uint32_t ZoneEditor::deleteZoneSet(const std::string& irName) {
   const std::size_t index = zoneSetIndex(irName);
   if (index == kNone) return kStatusNotFound;
-  erase(Change::kZoneSets, 0, ivrConfig.zoneSets, index, &Change::zoneSet);
+  erase(Change::kZoneSets, 0, ivrConfig.zoneSets, index);
   return kStatusOk;
 }
 
 std::uint32_t ZoneEditor::deleteZone(const std::string& irName) {
   const std::size_t index = zoneIndex(irName);
   if (index == kNone) return kStatusNotFound;
-  erase(Change::kZones, 0, ivrConfig.zones, index, &Change::zone);
+  erase(Change::kZones, 0, ivrConfig.zones, index);
   for (std::size_t set = 0; set < ivrConfig.zoneSets.size(); ++set) {
     std::vector<std::string>& names = ivrConfig.zoneSets[set].zone_names;
     const std::size_t position = indexOfValue(names, irName);
-    if (position != kNone) erase(Change::kZoneSetZones, set, names, position, &Change::name);
+    if (position != kNone) erase(Change::kZoneSetZones, set, names, position);
   }
   return kStatusOk;
 }
@@ -271,11 +271,11 @@ std::uint32_t ZoneEditor::deleteZone(const std::string& irName) {
 std::uint32_t ZoneEditor::deleteAlias(const std::string& irName) {
   const std::size_t index = aliasIndex(irName);
   if (index == kNone) return kStatusNotFound;
-  erase(Change::kAliases, 0, ivrConfig.aliases, index, &Change::alias);
+  erase(Change::kAliases, 0, ivrConfig.aliases, index);
   for (std::size_t zone = 0; zone < ivrConfig.zones.size(); ++zone) {
     std::vector<std::string>& names = ivrConfig.zones[zone].alias_names;
     const std::size_t position = indexOfValue(names, irName);
-    if (position != kNone) erase(Change::kZoneAliasNames, zone, names, position, &Change::name);
+    if (position != kNone) erase(Change::kZoneAliasNames, zone, names, position);
   }
   return kStatusOk;
 }
@@ -296,7 +296,7 @@ std::uint32_t ZoneEditor::removeZone(const std::string& irZoneSet, const std::st
   std::vector<std::string>& names = ivrConfig.zoneSets[set].zone_names;
   const std::size_t position = indexOfValue(names, irZone);
   if (position == kNone) return kStatusNotFound;
-  erase(Change::kZoneSetZones, set, names, position, &Change::name);
+  erase(Change::kZoneSetZones, set, names, position);
   return kStatusOk;
 }
 
@@ -318,7 +318,7 @@ std::uint32_t ZoneEditor::removeAlias(const std::string& irZone, const std::stri
   std::vector<std::string>& names = ivrConfig.zones[index].alias_names;
   const std::size_t position = indexOfValue(names, irAlias);
   if (position == kNone) return kStatusNotFound;
-  erase(Change::kZoneAliasNames, index, names, position, &Change::name);
+  erase(Change::kZoneAliasNames, index, names, position);
   return kStatusOk;
 }
 
@@ -345,7 +345,7 @@ std::uint32_t ZoneEditor::removeZoneMember(const std::string& irZone,
   zone_member_data_tA& members = ivrConfig.zones[index].member_list;
   const std::size_t position = indexOfMember(members, irMember);
   if (position == kNone) return kStatusNotFound;
-  erase(Change::kZoneMembers, index, members, position, &Change::member);
+  erase(Change::kZoneMembers, index, members, position);
   return kStatusOk;
 }
 
@@ -370,7 +370,7 @@ std::uint32_t ZoneEditor::removeAliasMember(const std::string& irAlias,
   zone_member_data_tA& members = ivrConfig.aliases[index].member_list;
   const std::size_t position = indexOfMember(members, irMember);
   if (position == kNone) return kStatusNotFound;
-  erase(Change::kAliasMembers, index, members, position, &Change::member);
+  erase(Change::kAliasMembers, index, members, position);
   return kStatusOk;
 }
 

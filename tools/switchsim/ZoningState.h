@@ -33,6 +33,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "generated/smis_ipc/smis_ipc.h"
@@ -115,12 +116,9 @@ class ZoneEditor {
     bool appended = true;       // else an entry was erased at `position`
     std::size_t owner = 0;
     std::size_t position = 0;
-    // The erased entry, in the slot of its type.
-    std::string name;
-    zone_member_data_t member;
-    zoneset_t zoneSet;
-    zone_t zone;
-    alias_t alias;
+    // The erased entry (nothing for an append, the common case: a change
+    // is then cheap to make and to drop).
+    std::variant<std::monostate, std::string, zone_member_data_t, zoneset_t, zone_t, alias_t> erased;
   };
 
   std::uint32_t checkNewName(const std::string& irName, std::size_t ipCount,
@@ -139,7 +137,7 @@ class ZoneEditor {
   void append(Change::Where ipWhere, std::size_t ipOwner, std::vector<T>& irList, T ipValue);
   template <typename T>
   void erase(Change::Where ipWhere, std::size_t ipOwner, std::vector<T>& irList,
-             std::size_t ipPosition, T Change::*ipSlot);
+             std::size_t ipPosition);
   void undo(Change& irChange);
 
   ZoneConfig& ivrConfig;
