@@ -9,7 +9,10 @@
 // new instance with each of its properties set to the same value, handed
 // to a result. Each iteration times the library's enumeration, then the
 // floor, so that both see the same load. Counters: library_ms, floor_ms,
-// ratio = library / floor, library_us_per_port, floor_us_per_port, ports.
+// ratio = library / floor, library_us_per_port, floor_us_per_port, ports,
+// and switch_read_us: the median time of the one switch record each
+// enumeration reads from the daemon (it is never cached), from the
+// library's own timing samples (QRX_EnumPerfRecord).
 // What each side made is released (mark/release) with the timer stopped,
 // before the other side runs, as an object manager does at the end of a
 // request.
@@ -110,6 +113,19 @@ bool makeDirectly(cimhost::TestBroker& irBroker, const std::vector<Recipe>& irRe
   return true;
 }
 
+// The median of the library's timing samples under `ipTag`, in
+// microseconds; negative when the library has none.
+double medianSample(cimhost::TestBroker& irBroker, CMPIInstanceMI* ipRecords, const char* ipTag) {
+  CMPIObjectPath* path = irBroker.newObjectPath(kNameSpace, "QRX_EnumPerfRecord");
+  CMAddKey(path, "Tag", ipTag, CMPI_chars);
+  cimhost::ResultRecorder result(irBroker);
+  const CMPIStatus rc = ipRecords->ft->getInstance(ipRecords, irBroker.newContext(kNameSpace),
+                                                   result.result(), path, nullptr);
+  if (rc.rc != CMPI_RC_OK || result.instances().size() != 1) return -1;
+  const CMPIData median = CMGetProperty(result.instances()[0], "MedVal", nullptr);
+  return median.state == CMPI_goodValue ? static_cast<double>(median.value.uint64) : -1;
+}
+
 void BM_EnumerateSwitchFCPorts(benchmark::State& state) {
   const char* wanted = std::getenv("QRX_BENCH_PORTS");
   const unsigned long ports = wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 24;
@@ -196,6 +212,11 @@ void BM_EnumerateSwitchFCPorts(benchmark::State& state) {
     state.counters["ratio"] = librarySeconds / floorSeconds;
     state.counters["library_us_per_port"] = 1e6 * librarySeconds / runs / ports;
     state.counters["floor_us_per_port"] = 1e6 * floorSeconds / runs / ports;
+    CMPIInstanceMI* records = loaded.library.instanceMI("QRX_EnumPerfRecord", &error);
+    if (records != nullptr) {
+      state.counters["switch_read_us"] =
+          medianSample(broker, records, "rs_api_client_mq.get_switch_info");
+    }
   }
   loaded.library.cleanup();
   sim.stop();

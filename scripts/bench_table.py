@@ -79,8 +79,10 @@ def main():
         per_port[ports] = bench
     for ports in sorted(per_port):
         bench = per_port[ports]
-        table.ratio_row("Enumeration, %d ports (per port: %.0f us vs %.0f us)" %
-                        (ports, bench["library_us_per_port"], bench["floor_us_per_port"]),
+        read = bench.get("switch_read_us", -1)
+        table.ratio_row("Enumeration, %d ports (per port: %.0f us vs %.0f us; switch read %s)" %
+                        (ports, bench["library_us_per_port"], bench["floor_us_per_port"],
+                         "%.0f us" % read if read >= 0 else "unknown"),
                         bench["library_ms"], bench["floor_ms"], "ms", 1.2)
     if len(per_port) > 1:
         small, large = min(per_port), max(per_port)
