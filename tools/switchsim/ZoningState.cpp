@@ -66,8 +66,9 @@ std::size_t indexOfMember(const zone_member_data_tA& irMembers,
 
 bool isHex(const std::string& irText, std::size_t ipLength) {
   if (irText.size() != ipLength) return false;
-  return std::all_of(irText.begin(), irText.end(),
-                     [](unsigned char c) { return std::isxdigit(c) != 0; });
+  return std::all_of(irText.begin(), irText.end(), [](char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+  });
 }
 
 // A decimal number of 1 to 5 digits within [ipMin, ipMax].
