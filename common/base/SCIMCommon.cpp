@@ -1,5 +1,6 @@
 #include "common/base/SCIMCommon.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -54,31 +55,47 @@ char* putDigits(char* opText, unsigned long ipValue, int ipDigits) {
 }  // namespace
 
 std::string cdatetime::toString() const {
-  time_t seconds = static_cast<time_t>(ivTime);
-  struct tm fields;
-  gmtime_r(&seconds, &fields);
+  // The UTC fields, computed here rather than by gmtime_r(): time_t is 32
+  // bits wide on some targets (32-bit PowerPC), where every second from
+  // 2038 on would turn negative. Days to a civil date count in 400-year
+  // eras of 146,097 days, with years starting on March 1st so that the
+  // leap day comes last.
+  const std::uint64_t seconds = ivTime;
+  const std::uint64_t dayOfTime = seconds % 86400;
+  const std::uint64_t z = seconds / 86400 + 719468;  // days since 0000-03-01
+  const std::uint64_t era = z / 146097;
+  const std::uint64_t dayOfEra = z - era * 146097;
+  const std::uint64_t yearOfEra =
+      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const std::uint64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const std::uint64_t monthFromMarch = (5 * dayOfYear + 2) / 153;
+  const unsigned long day = static_cast<unsigned long>(dayOfYear - (153 * monthFromMarch + 2) / 5 + 1);
+  const unsigned long month =
+      static_cast<unsigned long>(monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9);
+  const unsigned long year =
+      static_cast<unsigned long>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0));
   const long offsetMinutes = zoneOffsetMinutes();
-  const int year = fields.tm_year + 1900;
-  if (year >= 0 && year <= 9999 && offsetMinutes >= -999 && offsetMinutes <= 999) {
+  if (offsetMinutes >= -999 && offsetMinutes <= 999) {
     // The usual case, written by hand: this runs for every datetime
-    // property of every instance.
+    // property of every instance. A 32-bit time ends in 2106: four digits.
     char text[25];
-    char* at = putDigits(text, static_cast<unsigned long>(year), 4);
-    at = putDigits(at, static_cast<unsigned long>(fields.tm_mon + 1), 2);
-    at = putDigits(at, static_cast<unsigned long>(fields.tm_mday), 2);
-    at = putDigits(at, static_cast<unsigned long>(fields.tm_hour), 2);
-    at = putDigits(at, static_cast<unsigned long>(fields.tm_min), 2);
-    at = putDigits(at, static_cast<unsigned long>(fields.tm_sec), 2);
+    char* at = putDigits(text, year, 4);
+    at = putDigits(at, month, 2);
+    at = putDigits(at, day, 2);
+    at = putDigits(at, static_cast<unsigned long>(dayOfTime / 3600), 2);
+    at = putDigits(at, static_cast<unsigned long>(dayOfTime % 3600 / 60), 2);
+    at = putDigits(at, static_cast<unsigned long>(dayOfTime % 60), 2);
     *at++ = '.';
     at = putDigits(at, 0, 6);
     *at++ = offsetMinutes < 0 ? '-' : '+';
     at = putDigits(at, static_cast<unsigned long>(offsetMinutes < 0 ? -offsetMinutes : offsetMinutes), 3);
     return std::string(text, static_cast<size_t>(at - text));
   }
-  char text[96];  // room for any int the compiler can imagine
-  snprintf(text, sizeof(text), "%04d%02d%02d%02d%02d%02d.%06d%+4.3ld", fields.tm_year + 1900,
-           fields.tm_mon + 1, fields.tm_mday, fields.tm_hour, fields.tm_min, fields.tm_sec, 0,
-           offsetMinutes);
+  char text[96];  // room for any offset the compiler can imagine
+  snprintf(text, sizeof(text), "%04lu%02lu%02lu%02lu%02lu%02lu.%06d%+4.3ld", year, month, day,
+           static_cast<unsigned long>(dayOfTime / 3600),
+           static_cast<unsigned long>(dayOfTime % 3600 / 60),
+           static_cast<unsigned long>(dayOfTime % 60), 0, offsetMinutes);
   return text;
 }
 

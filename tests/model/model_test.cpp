@@ -55,6 +55,29 @@ TEST(CimDateTime, TextUsesUtcFieldsAndTheLocalOffset) {
   setZone("UTC");
 }
 
+// The calendar fields agree with the C library's wherever its time_t
+// reaches (all 32 bits on a 64-bit time_t; up to 2038 where it is 32 bits
+// wide), at the ends of days and across leap years and centuries.
+TEST(CimDateTime, CalendarFieldsAgreeWithTheCLibrary) {
+  setZone("UTC");
+  std::vector<unsigned int> times = {0u, 59u, 86399u, 86400u, 951782400u /* 2000-02-29 */,
+                                     951868799u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu};
+  for (unsigned long long t = 12345; t <= 0xFFFFFFFFull; t += 3999971ull) {
+    times.push_back(static_cast<unsigned int>(t));
+  }
+  for (unsigned int time : times) {
+    if (sizeof(time_t) < 8 && time > 0x7FFFFFFFu) continue;
+    const time_t seconds = static_cast<time_t>(time);
+    struct tm fields;
+    ASSERT_NE(nullptr, gmtime_r(&seconds, &fields));
+    char expected[32];
+    strftime(expected, sizeof(expected), "%Y%m%d%H%M%S.000000+000", &fields);
+    cdatetime t;
+    t.ivTime = time;
+    EXPECT_EQ(expected, t.toString()) << "seconds " << time;
+  }
+}
+
 TEST(CimDateTime, MicrosecondsAreTruncatedToWholeSeconds) {
   cdatetime t;
   t.setTimeUsec(1999999ULL);
