@@ -3,8 +3,6 @@
 // artificial port name.
 #include "generated/scimbackend/QRX_SwitchFCPort_Best.h"
 
-#include <cassert>
-
 #include "common/backend/BackendStart.h"
 #include "common/base/trace.h"
 
@@ -12,13 +10,17 @@ namespace {
 
 const char* const kUnit = "common/backend/QRX_SwitchFCPort_Best";
 
-// The switch record, which must report ports.
+// The switch record, which must report ports: a switch without any is an
+// answer the daemon should not give, refused here rather than asserted.
 bool readSwitch(FabricCache& irCache, switch_info_t& swiInfo) {
   if (irCache.get_switch_info(swiInfo) != 0) {
     TRACE_ERROR(kUnit, "Failed to get switch info\n");
     return false;
   }
-  assert(swiInfo.nr_fc_ports);
+  if (swiInfo.nr_fc_ports == 0) {
+    TRACE_ERROR(kUnit, "the switch reports no Fibre Channel ports (nr_fc_ports 0)\n");
+    return false;
+  }
   return true;
 }
 

@@ -8,7 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "common/backend/BackendStart.h"
 #include "common/backend/FabricCache.h"
+#include "generated/scimbackend/QRX_SwitchFCPort_Best.h"
 #include "tests/support/InMemoryPipe.h"
 #include "tests/support/TraceCapture.h"
 #include "tools/switchsim/FabricModel.h"
@@ -25,6 +27,7 @@ class Daemon : public switchsim::SimulatedSwitch {
   explicit Daemon(FabricModel& irModel) : SimulatedSwitch(irModel) {}
   std::string failingAlias;
   std::map<std::string, int> failures;  // call -> times still to fail
+  bool noPortCount = false;             // the switch record says 0 ports
 
   int get_zone_members_in_zone_alias(string_t ZoneServiceName, string_t AliasName,
                                      zone_member_data_tA& ZoneMemberData) override {
@@ -33,7 +36,10 @@ class Daemon : public switchsim::SimulatedSwitch {
                                                            ZoneMemberData);
   }
   int get_switch_info(switch_info_t& o) override {
-    return fails("get_switch_info") ? 0x810a : SimulatedSwitch::get_switch_info(o);
+    if (fails("get_switch_info")) return 0x810a;
+    const int rc = SimulatedSwitch::get_switch_info(o);
+    if (noPortCount) o.nr_fc_ports = 0;
+    return rc;
   }
   int get_switch_fc_port_info(switch_fc_port_info_tA& o) override {
     return fails("get_switch_fc_port_info") ? 0x810a : SimulatedSwitch::get_switch_fc_port_info(o);
@@ -189,6 +195,23 @@ TEST_F(FabricCacheTest, SwitchChangesAndTheAddressOverlay) {
   EXPECT_EQ(1u, previous.switch_state);
   EXPECT_EQ("10.99.0.1", previous.ip_address);  // the overlay reached the record
   EXPECT_NE(oldAddress, previous.ip_address);
+}
+
+// The port backend over this cache: a switch record that reports no ports
+// is refused with a trace line (the daemon's answer, never an assertion).
+TEST_F(FabricCacheTest, PortBackendRefusesASwitchWithoutPorts) {
+  ivCache.initCache();
+  FabricCache* const kept = fabricCache;
+  fabricCache = &ivCache;
+  QRX_SwitchFCPort_Array ports;
+  QRX_SwitchFCPort_KeyArray keys;
+  ASSERT_TRUE(QRX_SwitchFCPort_Best::singleton.enumInstances(ports));
+  EXPECT_EQ(ivModel.ports.size(), ports.size());
+  ivDaemon.noPortCount = true;
+  EXPECT_FALSE(QRX_SwitchFCPort_Best::singleton.enumInstanceNames(keys));
+  EXPECT_FALSE(QRX_SwitchFCPort_Best::singleton.getInstance(QRX_SwitchFCPort_Key(ports[0]), ports[0]));
+  EXPECT_TRUE(ivTrace.contains("ERROR: the switch reports no Fibre Channel ports (nr_fc_ports 0)\n"));
+  fabricCache = kept;
 }
 
 TEST_F(FabricCacheTest, PortEvents) {
